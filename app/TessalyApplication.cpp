@@ -1,0 +1,27 @@
+#include "app/TessalyApplication.h"
+
+#include "app/modMain.h"
+#include "platform/Failure.h"
+#include "platform/modShared.h"
+
+#include <cstdlib>
+
+TessalyApplication::TessalyApplication(int& argc, char** argv) : QApplication(argc, argv) {
+    setApplicationName(QStringLiteral("tessaly"));
+    setApplicationDisplayName(kAppTitle);
+    setOrganizationName(QStringLiteral("Tessaly"));
+    setQuitOnLastWindowClosed(true);
+}
+
+bool TessalyApplication::notify(QObject* receiver, QEvent* event) {
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (const Failure& failure) {
+        reportFailure(failure, failure.source());
+    } catch (const std::exception& e) {
+        reportFailure(Failure(FailureNumber::InvalidProcedureCall, QStringLiteral("Tessaly"),
+                              QString::fromLocal8Bit(e.what())),
+                      QStringLiteral("Tessaly"));
+    }
+    std::_Exit(EXIT_FAILURE);
+}

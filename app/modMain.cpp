@@ -1,0 +1,216 @@
+#include "app/modMain.h"
+
+#include "app/SingleInstance.h"
+#include "app/TessalyApplication.h"
+#include "app/frmMain.h"
+#include "config/clsProperties.h"
+#include "config/clsPropertiesXML.h"
+#include "config/modConfig.h"
+#include "config/modLanguage.h"
+#include "platform/AppPaths.h"
+#include "platform/Failure.h"
+#include "platform/VbFormat.h"
+#include "platform/modDialogs.h"
+#include "platform/modLocale.h"
+#include "platform/modShared.h"
+#include "platform/modText.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <memory>
+
+namespace {
+
+QString gStep;
+
+const QString kPreferences = QStringLiteral("preferences");
+
+// Writes `code`, or the part before its first "-", or "en-us", whichever is available first.
+QString availableLanguageFor(QString code) {
+    if (isLanguageAvailable(*gProperties, code))
+        return code;
+    if (code.contains(QLatin1Char('-')))
+        code = code.section(QLatin1Char('-'), 0, 0);
+    return isLanguageAvailable(*gProperties, code) ? code : QStringLiteral("en-us");
+}
+
+// The `Language` value that a legacy `LanguageID` entry stands for.
+QString legacyLanguage(QString value) {
+    if (!value.startsWith(QLatin1Char('H')))
+        value = langIdToKey(value.toInt());
+    const QString entry = gProperties->GetProp(QStringLiteral("langid"), value, QString());
+    if (entry.isEmpty())
+        return QStringLiteral("en-us");
+    QString code = entry.section(QLatin1Char(';'), 0, 0).toLower();
+    if (!gProperties->GetProp(QStringLiteral("languages"), code, QString()).isEmpty())
+        return code;
+    code = code.section(QLatin1Char('-'), 0, 0).toLower();
+    if (!gProperties->GetProp(QStringLiteral("languages"), code, QString()).isEmpty())
+        return code;
+    return QStringLiteral("en-us");
+}
+
+bool showSplashWanted() {
+    return gProperties->GetProp(kPreferences, QStringLiteral("ShowSplash"), QStringLiteral("1")) ==
+           QLatin1String("1");
+}
+
+QString commandLineOf(const QStringList& arguments) {
+    QStringList parts;
+    for (qsizetype i = 1; i < arguments.size(); ++i) {
+        const QString& a = arguments[i];
+        parts << (a.contains(QLatin1Char(' ')) ? QLatin1Char('"') + a + QLatin1Char('"') : a);
+    }
+    const QString line = parts.join(QLatin1Char(' '));
+    if (line.isEmpty())
+        return {};
+    return line.startsWith(QLatin1Char(' ')) ? line : QLatin1Char(' ') + line;
+}
+
+std::unique_ptr<SingleInstance> gInstance;
+
+} // namespace
+
+QString currentStep() { return gStep; }
+
+bool hasWaveOutDevice() {
+    // The sound layer arrives with the audio subsystem; until then there is no output device.
+    return false;
+}
+
+void chooseFirstRunLanguage() {
+    const QString initialized = gProperties->GetProp(kPreferences, QStringLiteral("Initialized"), QString());
+    if (!initialized.isEmpty() && initialized != QLatin1String("0"))
+        return;
+    gProperties->SetProp(kPreferences, QStringLiteral("Language"),
+                         availableLanguageFor(getSystemLanguageCode(*gProperties)));
+    gProperties->SetProp(kPreferences, QStringLiteral("Initialized"), QStringLiteral("1"));
+}
+
+void importLegacySettings() {
+    const QString file = joinPath(appFolder(), exeBaseName() + QStringLiteral(".ini"));
+    if (!QFileInfo::exists(file))
+        return;
+
+    clsProperties ini;
+    ini.setIniFileName(file);
+    const bool deleteAfter = ini.GetProp(QStringLiteral("this"), QStringLiteral("Delete"), QStringLiteral("0")) == QLatin1String("1");
+    const bool writeLog = ini.GetProp(QStringLiteral("this"), QStringLiteral("Log"), QStringLiteral("0")) == QLatin1String("1");
+
+    bool result = false;
+    QStringList sections;
+    if (ini.GetSections(sections) >= 0) {
+        for (const QString& section : sections) {
+            if (section == QLatin1String("this"))
+                continue;
+            QStringList entries;
+            ini.GetPropList(section, entries);
+            for (const QString& entry : entries) {
+                const QStringList fields = entry.split(QLatin1Char('='));
+                QString key = fields.value(0);
+                QString value = fields.value(1);
+                if (key == QLatin1String("LanguageID")) {
+                    key = QStringLiteral("Language");
+                    value = legacyLanguage(value);
+                }
+                gProperties->SetProp(section, key, value);
+            }
+        }
+        gProperties->SaveXmlFile();
+        result = true;
+    }
+
+    if (writeLog) {
+        const QString stamp = Format(QDateTime::currentDateTime(), QStringLiteral("yymmdd_HhNnSs"));
+        gProperties->SetProp(QStringLiteral("AutoUpdate"), QStringLiteral("U_") + stamp,
+                             result ? QStringLiteral("OK") : QStringLiteral("ERROR"));
+    }
+    if (deleteAfter) {
+        QFile(file).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+        QFile::remove(file);
+    }
+}
+
+void reportFailure(const Failure& failure, const QString& step) {
+    if (failure.number() == FailureNumber::PrinterError) {
+        MsgBox(QStringLiteral("There is no printer installed.\nInstall a printer and restart the program."),
+               Vb::Critical, QStringLiteral("Printer Error"));
+        return;
+    }
+    MsgBox(localText(QStringLiteral("STR_ERROR_UNEXPECTED")) + step + QStringLiteral("\n\n") +
+               failure.description() + QStringLiteral(" (") + QString::number(failure.number()) +
+               QLatin1Char(')'),
+           Vb::Critical, localText(QStringLiteral("STR_ERROR")));
+}
+
+void releaseSharedObjects() {
+    delete gProperties; // saves a changed store
+    gProperties = nullptr;
+}
+
+namespace {
+
+// The start-up steps; a failure leaves them at once for the handler.
+void runStartup(TessalyApplication& app) {
+    gUserLCID = userDefaultLCID();
+    gDecimalSeparator = localeDecimalSeparator();
+
+    gStep = QStringLiteral("ModMain.Main - Program Properties");
+    gProperties = new clsPropertiesXML();
+    gStarting = true;
+
+    if (showSplashWanted()) {
+        // The splash comes with the control kit.
+    }
+
+    chooseFirstRunLanguage();
+    importLegacySettings();
+
+    gStep = QStringLiteral("ModMain.Main - clsMCIManager");
+    gStep = QStringLiteral("ModMain.Main - clsXMLLocalizer");
+    gStep = QStringLiteral("ModMain.Main - clsXMLLocalizer.SetLanguage");
+
+    gCommandLine = commandLineOf(app.arguments());
+
+    auto* window = new frmMain();
+    gMainWindow = window;
+    gStep = QStringLiteral("ModMain.Main - frmMain.Show");
+    window->show();
+
+    if (showSplashWanted()) {
+        // The second showing of the splash comes with the control kit.
+    }
+}
+
+} // namespace
+
+int Main(int argc, char** argv) {
+    TessalyApplication app(argc, argv);
+
+    // A second start brings the first one forward and leaves without a word.
+    gInstance = std::make_unique<SingleInstance>(SingleInstance::defaultKey());
+    if (gInstance->activateRunningInstance())
+        return 0;
+    gInstance->listen([] {
+        if (gMainWindow) {
+            gMainWindow->showNormal();
+            gMainWindow->raise();
+            gMainWindow->activateWindow();
+        }
+    });
+
+    try {
+        runStartup(app);
+    } catch (const Failure& failure) {
+        reportFailure(failure, gStep);
+        return 1;
+    } catch (const std::exception& e) {
+        reportFailure(Failure(FailureNumber::InvalidProcedureCall, QStringLiteral("Main"),
+                              QString::fromLocal8Bit(e.what())),
+                      gStep);
+        return 1;
+    }
+    return app.exec();
+}

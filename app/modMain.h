@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+class Failure;
+
+// Start-up and the end of the program.
+
+// The whole program: makes the application, runs the start-up steps and the event loop.
+int Main(int argc, char** argv);
+
+// True when the sound layer sees at least one output device.
+bool hasWaveOutDevice();
+
+// The first-run language choice: on a store whose `Initialized` is "" or "0", writes the
+// system's language (or its base language, or "en-us") to `Language` and marks the store.
+void chooseFirstRunLanguage();
+
+// Imports the settings file an older installation left beside the program, if there is one.
+void importLegacySettings();
+
+// Shows the box of a failure that reached start-up or an event handler. `step` names the stage.
+void reportFailure(const Failure& failure, const QString& step);
+
+// The stage label of start-up, for the failure report.
+QString currentStep();
+
+// Releases what start-up made (the main window's unload calls it): saves and drops the
+// preferences store and the localiser.
+void releaseSharedObjects();

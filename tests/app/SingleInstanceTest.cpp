@@ -1,0 +1,73 @@
+#include "app/SingleInstance.h"
+
+#include "support/TestHome.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+#include <gtest/gtest.h>
+
+TEST(SingleInstance, SecondStartReachesTheFirst) {
+    const QString key = QStringLiteral("tessaly-test-%1").arg(QCoreApplication::applicationPid());
+    SingleInstance first(key);
+    SingleInstance second(key);
+    EXPECT_FALSE(second.activateRunningInstance(200)) << "nobody listens yet";
+    int activations = 0;
+    ASSERT_TRUE(first.listen([&] { ++activations; }));
+    EXPECT_TRUE(second.activateRunningInstance(1000));
+    QTRY_COMPARE_WITH_TIMEOUT(activations, 1, 2000);
+}
+
+TEST(SingleInstance, KeyDependsOnTheApplicationFolder) {
+    QString a, b;
+    {
+        TestHome home;
+        a = SingleInstance::defaultKey();
+    }
+    {
+        TestHome home;
+        b = SingleInstance::defaultKey();
+    }
+    EXPECT_NE(a, b);
+}
+
+// The real program: a second start finds the first, exits at once and leaves it running.
+TEST(SingleInstance, SecondProgramExitsAndTheFirstStays) {
+    TestHome home(true);
+    const QString program = QStringLiteral(TESSALY_BIN_DIR "/tessaly");
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("TESSALY_HOME"), home.path());
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+
+    QProcess first;
+    first.setProcessEnvironment(env);
+    first.start(program, {});
+    ASSERT_TRUE(first.waitForStarted(5000));
+
+    // Wait until the first one listens (its socket answers).
+    SingleInstance client(SingleInstance::defaultKey());
+    QElapsedTimer waited;
+    waited.start();
+    bool up = false;
+    while (!up && waited.elapsed() < 20000 && first.state() == QProcess::Running) {
+        QTest::qWait(100);
+        up = client.activateRunningInstance(100);
+    }
+    ASSERT_TRUE(up) << "the first instance did not come up";
+
+    QProcess second;
+    second.setProcessEnvironment(env);
+    QElapsedTimer timer;
+    timer.start();
+    second.start(program, {});
+    ASSERT_TRUE(second.waitForFinished(10000));
+    // Within a second on this machine; the margin is for loaded CI runs under sanitizers.
+    EXPECT_LT(timer.elapsed(), 2000);
+    EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_EQ(first.state(), QProcess::Running);
+
+    first.terminate();
+    if (!first.waitForFinished(5000))
+        first.kill();
+}
