@@ -1,0 +1,283 @@
+#include "document/clsMessage.h"
+
+#include "platform/Failure.h"
+#include "platform/modShared.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+#include <sstream>
+
+namespace {
+constexpr const char* kSource = "clsMessage";
+constexpr int kPathFileAccessError = 75;
+constexpr int kFileAlreadyExists = 58;
+
+// A new message document; the line ends are carriage return and line feed.
+constexpr const char* kTemplate = "<ROOT>\r\n"
+                                  "<HEADER>\r\n"
+                                  "<CONTENT version=\"1.0\" type=\"Tessaly messages\" />\r\n"
+                                  "</HEADER>\r\n"
+                                  "</ROOT>";
+
+[[noreturn]] void fail(int number, const QString& description) {
+    throw Failure(number, QString::fromUtf8(kSource), description);
+}
+
+QString normalisedRoot(const QString& rootPath) {
+    QString root = rootPath;
+    root.replace(QLatin1Char('\\'), QLatin1Char('/'));
+    if (!root.isEmpty() && !root.endsWith(QLatin1Char('/')))
+        root += QLatin1Char('/');
+    return root;
+}
+
+void writeWhole(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        fail(kPathFileAccessError,
+             QStringLiteral("Cannot write %1: %2").arg(path, file.errorString()));
+    if (file.write(bytes) != bytes.size() || !file.flush())
+        fail(kPathFileAccessError,
+             QStringLiteral("Cannot write %1: %2").arg(path, file.errorString()));
+    file.close();
+    if (file.error() != QFileDevice::NoError)
+        fail(kPathFileAccessError,
+             QStringLiteral("Cannot write %1: %2").arg(path, file.errorString()));
+}
+
+QByteArray bitmapBytes(const QImage& picture) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    const QImage rgb = picture.format() == QImage::Format_RGB32
+                           ? picture
+                           : picture.convertToFormat(QImage::Format_RGB32);
+    if (!rgb.save(&buffer, "BMP"))
+        fail(kPathFileAccessError, QStringLiteral("The picture cannot be written as a bitmap"));
+    return bytes;
+}
+
+QString uniqueSibling(const QString& root, const QString& purpose) {
+    for (;;) {
+        const QString candidate =
+            root + QStringLiteral(".tessaly-%1-%2")
+                       .arg(purpose)
+                       .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0'));
+        if (!QFileInfo::exists(candidate))
+            return candidate;
+    }
+}
+} // namespace
+
+clsMessage::clsMessage() = default;
+clsMessage::~clsMessage() = default;
+
+void clsMessage::Initialize(const QString& rootPath, const QString& fileName,
+                            const QString& messageName) {
+    mRootPath = normalisedRoot(rootPath);
+    mName = messageName;
+    mPath = mRootPath + mName + QLatin1Char('/');
+    mFileName = fileName;
+    mDocument = std::make_shared<pugi::xml_document>();
+    mSlides.reset();
+    mRootElement = mHeaderElement = mMessageElement = pugi::xml_node();
+
+    bool loaded = false;
+    const QString file = mPath + mFileName;
+    if (!file.isEmpty()) {
+        QFile input(file);
+        if (QFileInfo(file).isFile() && input.open(QIODevice::ReadOnly)) {
+            const QByteArray bytes = input.readAll();
+            const pugi::xml_parse_result result =
+                mDocument->load_buffer(bytes.constData(), static_cast<size_t>(bytes.size()),
+                                       pugi::parse_default | pugi::parse_declaration);
+            loaded = static_cast<bool>(result);
+        }
+    }
+    if (!loaded) {
+        mDocument->reset();
+        mDocument->load_string(kTemplate);
+        pugi::xml_node declaration =
+            mDocument->insert_child_before(pugi::node_declaration, mDocument->first_child());
+        declaration.append_attribute("version") = "1.0";
+        declaration.append_attribute("encoding") = "utf-8";
+        mChanged = true;
+    }
+
+    mRootElement = mDocument->child("ROOT");
+    if (!mRootElement) {
+        mChanged = true;
+        return;
+    }
+    mHeaderElement = mRootElement.child("HEADER");
+
+    mMessageElement = mRootElement.child("MESSAGE");
+    mSlides = std::make_unique<clsSlides>();
+    if (!mMessageElement) {
+        mMessageElement = mRootElement.append_child("MESSAGE");
+        setAttr(mMessageElement, "name", messageName, kSource);
+        mSlides->Initialize(mDocument, mMessageElement);
+    } else {
+        const pugi::xml_node slidesElement = mMessageElement.child("SLIDES");
+        if (slidesElement)
+            mSlides->LoadXmlNodes(mDocument, mMessageElement, slidesElement);
+        else
+            mSlides->Initialize(mDocument, mMessageElement);
+    }
+    mChanged = true;
+}
+
+QString clsMessage::name() const {
+    return getAttr(mMessageElement, "name");
+}
+
+void clsMessage::setName(const QString& value) {
+    setAttr(mMessageElement, "name", value, kSource);
+    mName = value;
+    mPath = mRootPath + mName + QLatin1Char('/');
+    mChanged = true;
+}
+
+QString clsMessage::Created() const {
+    return getAttr(mMessageElement, "created");
+}
+
+void clsMessage::setCreated(const QString& value) {
+    setAttr(mMessageElement, "created", value, kSource);
+    mChanged = true;
+}
+
+std::int32_t clsMessage::DefaultDuration() const {
+    return mSlides ? mSlides->DefaultDuration() : -1;
+}
+
+void clsMessage::setDefaultDuration(std::int32_t value) {
+    if (mSlides)
+        mSlides->setDefaultDuration(value);
+}
+
+void clsMessage::DeleteSlide(int index) {
+    if (mSlides && mSlides->Count() > 0 && mSlides->Item(index))
+        mSlides->Remove(index);
+}
+
+bool clsMessage::SaveImage(const QImage& picture, const QString& fileStem,
+                           const QString& extension) {
+    mChanged = true;
+    try {
+        writeWhole(mPath + fileStem + QLatin1Char('.') + extension, bitmapBytes(picture));
+        return true;
+    } catch (const Failure& failure) {
+        mLastError = failure.description();
+        return false;
+    }
+}
+
+std::string clsMessage::serialise() const {
+    std::ostringstream out;
+    mDocument->save(out, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
+    return out.str();
+}
+
+bool clsMessage::SaveMessage() {
+    mLastError.clear();
+    try {
+        saveFolder();
+        mChanged = false;
+        return true;
+    } catch (const Failure& failure) {
+        mLastError = failure.description();
+        return false;
+    }
+}
+
+void clsMessage::saveFolder() {
+    if (mRootPath.isEmpty())
+        fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
+    if (mName.isEmpty() || mName == QLatin1String(".") || mName == QLatin1String("..") ||
+        mName.contains(QLatin1Char('/')) || mName.contains(QChar(0)))
+        fail(kPathFileAccessError, QStringLiteral("\"%1\" cannot name a folder").arg(mName));
+    QDir root(mRootPath);
+    if (!root.exists() && !QDir().mkpath(mRootPath))
+        fail(FailureNumber::PathNotFound, QStringLiteral("Path not found: %1").arg(mRootPath));
+
+    // A folder whose name differs only by case is the same folder on the file systems the
+    // messages were made for: the save cannot go there.
+    const QStringList folders = root.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden);
+    for (const QString& folder : folders)
+        if (folder != mName && folder.compare(mName, Qt::CaseInsensitive) == 0)
+            fail(kFileAlreadyExists,
+                 QStringLiteral("The folder \"%1\" already exists").arg(folder));
+
+    const QString target = mRootPath + mName;
+    const QFileInfo targetInfo(target);
+    if ((targetInfo.exists() || targetInfo.isSymLink()) &&
+        (!targetInfo.isDir() || targetInfo.isSymLink()))
+        fail(kFileAlreadyExists,
+             QStringLiteral("\"%1\" is in the way of the message folder").arg(target));
+
+    // Build the new folder beside the old one.
+    const QString staging = uniqueSibling(mRootPath, QStringLiteral("save"));
+    if (!QDir().mkdir(staging))
+        fail(kPathFileAccessError, QStringLiteral("Cannot make a folder in %1").arg(mRootPath));
+    try {
+        const std::string xml = serialise();
+        writeWhole(staging + QLatin1Char('/') + mFileName,
+                   QByteArray(xml.data(), static_cast<qsizetype>(xml.size())));
+        if (mSlides) {
+            const QByteArray& empty = emptySlideBitmap();
+            if (empty.isEmpty())
+                fail(FailureNumber::FileNotFound,
+                     QStringLiteral("The built-in empty slide picture is missing"));
+            for (const auto& slide : *mSlides) {
+                const QString file = slide->ImageFile();
+                if (file.contains(QLatin1Char('/')) || file.contains(QLatin1Char('\\')))
+                    fail(kPathFileAccessError,
+                         QStringLiteral("\"%1\" cannot name a slide picture").arg(file));
+                writeWhole(staging + QLatin1Char('/') + file,
+                           slide->Image().isNull() ? empty : bitmapBytes(slide->Image()));
+            }
+        }
+    } catch (...) {
+        QDir(staging).removeRecursively();
+        throw;
+    }
+
+    // Swap it in: the old folder steps aside, the new one takes its name, the old one goes.
+    QString previous;
+    if (targetInfo.exists()) {
+        previous = uniqueSibling(mRootPath, QStringLiteral("old"));
+        if (!QDir().rename(target, previous)) {
+            QDir(staging).removeRecursively();
+            fail(kPathFileAccessError, QStringLiteral("Cannot replace the folder %1").arg(target));
+        }
+    }
+    if (!QDir().rename(staging, target)) {
+        if (!previous.isEmpty())
+            QDir().rename(previous, target);
+        QDir(staging).removeRecursively();
+        fail(kPathFileAccessError, QStringLiteral("Cannot make the folder %1").arg(target));
+    }
+    if (!previous.isEmpty())
+        QDir(previous).removeRecursively();
+}
+
+void clsMessage::CopySlide(clsSlide& destination, clsSlide& source) {
+    destination.setColor(source.Color());
+    destination.setDuration(source.Duration());
+    destination.setSoundDuration(source.SoundDuration());
+    destination.setImage(source.Image());
+    destination.setSound(source.Sound());
+    destination.setText(source.Text());
+    clsDrawObjects* to = destination.DrawObjects();
+    clsDrawObjects* from = source.DrawObjects();
+    if (!to || !from)
+        raiseObjectNotSet(QString::fromUtf8(kSource));
+    to->setBackColor(from->BackColor());
+    to->setBackPicture(from->BackPicture());
+    for (int index = 1; index <= from->Count(); ++index)
+        to->Add(from->Item(index)->GetAllPproperties());
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "document/clsSlides.h"
+#include "document/modDocument.h"
+
+#include <QImage>
+#include <QString>
+#include <cstdint>
+#include <memory>
+
+// One message: a folder holding message.xml and a Slide_<index>.bmp per slide. The XML document
+// is the only store of the message's values; saving writes it out whole with the pictures.
+class clsMessage {
+public:
+    clsMessage();
+    ~clsMessage();
+    clsMessage(const clsMessage&) = delete;
+    clsMessage& operator=(const clsMessage&) = delete;
+
+    // Opens <rootPath><messageName>/<fileName>; a missing or unreadable file gives a fresh
+    // document.
+    void Initialize(const QString& rootPath, const QString& fileName, const QString& messageName);
+
+    // Declared for completeness; it hands back no node.
+    pugi::xml_node DOMParent() const { return {}; }
+
+    // The `name` attribute of MESSAGE. Writing also renames the folder the message saves to.
+    QString name() const;
+    void setName(const QString& value);
+    QString Created() const;
+    void setCreated(const QString& value);
+    // The message's folder, with a closing "/". Writing it changes nothing.
+    QString Path() const { return mPath; }
+    void setPath(const QString&) {}
+    // Null when the document has no ROOT element.
+    clsSlides* Slides() const { return mSlides.get(); }
+    // -1 without a slide collection.
+    std::int32_t DefaultDuration() const;
+    void setDefaultDuration(std::int32_t value);
+
+    void DeleteSlide(int index);
+    // Writes `picture` as a bitmap to <Path><fileStem>.<extension>.
+    bool SaveImage(const QImage& picture, const QString& fileStem, const QString& extension);
+    // Writes the folder anew: message.xml and one bitmap per slide. The new folder is built
+    // beside the old one and swapped in, so a failed save leaves the previous folder as it was.
+    bool SaveMessage();
+    // Copies the content of `source` into `destination`; the destination's draw objects stay.
+    void CopySlide(clsSlide& destination, clsSlide& source);
+
+    // Whether the message changed since it was last saved (for callers that want to know).
+    bool isChanged() const { return mChanged; }
+    // Why the last SaveMessage gave false ("" after a success).
+    QString lastError() const { return mLastError; }
+    // The message's document, as it would be saved.
+    const pugi::xml_document& document() const { return *mDocument; }
+    QString fileName() const { return mFileName; }
+    QString rootPath() const { return mRootPath; }
+
+    // The text of message.xml for the current document.
+    std::string serialise() const;
+
+private:
+    void saveFolder();
+
+    std::unique_ptr<clsSlides> mSlides;
+    QString mRootPath;
+    QString mPath;
+    QString mFileName;
+    QString mName;
+    bool mChanged = false;
+    XmlDocument mDocument;
+    pugi::xml_node mRootElement;
+    pugi::xml_node mHeaderElement;
+    pugi::xml_node mMessageElement;
+    QString mLastError;
+};
