@@ -11,12 +11,14 @@ namespace {
 const QByteArray kActivate = "activate\n";
 }
 
-SingleInstance::SingleInstance(QString key, QObject* parent) : QObject(parent), mKey(std::move(key)) {}
+SingleInstance::SingleInstance(QString key, QObject* parent)
+    : QObject(parent), mKey(std::move(key)) {}
 
 SingleInstance::~SingleInstance() = default;
 
 QString SingleInstance::defaultKey() {
-    const QByteArray folder = QCryptographicHash::hash(appFolder().toUtf8(), QCryptographicHash::Sha1).toHex().left(12);
+    const QByteArray folder =
+        QCryptographicHash::hash(appFolder().toUtf8(), QCryptographicHash::Sha1).toHex().left(12);
     return QStringLiteral("tessaly-%1-%2").arg(::getuid()).arg(QString::fromLatin1(folder));
 }
 
@@ -56,4 +58,6 @@ bool SingleInstance::listen(std::function<void()> onActivate) {
     return true;
 }
 
-bool SingleInstance::isListening() const { return mServer && mServer->isListening(); }
+bool SingleInstance::isListening() const {
+    return mServer && mServer->isListening();
+}

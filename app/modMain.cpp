@@ -73,7 +73,9 @@ std::unique_ptr<SingleInstance> gInstance;
 
 } // namespace
 
-QString currentStep() { return gStep; }
+QString currentStep() {
+    return gStep;
+}
 
 bool hasWaveOutDevice() {
     // The sound layer arrives with the audio subsystem; until then there is no output device.
@@ -81,7 +83,8 @@ bool hasWaveOutDevice() {
 }
 
 void chooseFirstRunLanguage() {
-    const QString initialized = gProperties->GetProp(kPreferences, QStringLiteral("Initialized"), QString());
+    const QString initialized =
+        gProperties->GetProp(kPreferences, QStringLiteral("Initialized"), QString());
     if (!initialized.isEmpty() && initialized != QLatin1String("0"))
         return;
     gProperties->SetProp(kPreferences, QStringLiteral("Language"),
@@ -96,8 +99,10 @@ void importLegacySettings() {
 
     clsProperties ini;
     ini.setIniFileName(file);
-    const bool deleteAfter = ini.GetProp(QStringLiteral("this"), QStringLiteral("Delete"), QStringLiteral("0")) == QLatin1String("1");
-    const bool writeLog = ini.GetProp(QStringLiteral("this"), QStringLiteral("Log"), QStringLiteral("0")) == QLatin1String("1");
+    const bool deleteAfter = ini.GetProp(QStringLiteral("this"), QStringLiteral("Delete"),
+                                         QStringLiteral("0")) == QLatin1String("1");
+    const bool writeLog = ini.GetProp(QStringLiteral("this"), QStringLiteral("Log"),
+                                      QStringLiteral("0")) == QLatin1String("1");
 
     bool result = false;
     QStringList sections;
@@ -135,7 +140,8 @@ void importLegacySettings() {
 
 void reportFailure(const Failure& failure, const QString& step) {
     if (failure.number() == FailureNumber::PrinterError) {
-        MsgBox(QStringLiteral("There is no printer installed.\nInstall a printer and restart the program."),
+        MsgBox(QStringLiteral(
+                   "There is no printer installed.\nInstall a printer and restart the program."),
                Vb::Critical, QStringLiteral("Printer Error"));
         return;
     }

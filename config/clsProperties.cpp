@@ -39,7 +39,9 @@ QStringList throughListBuffer(const QStringList& items) {
 
 } // namespace
 
-clsProperties::clsProperties() { SetDefaultIniFileName(); }
+clsProperties::clsProperties() {
+    SetDefaultIniFileName();
+}
 
 void clsProperties::SetDefaultIniFileName() {
     mIniFileName = joinPath(appFolder(), exeBaseName() + QStringLiteral(".ini"));
@@ -99,8 +101,9 @@ QString clsProperties::GetProp(const QString& section, const QString& key,
                 QString k, v;
                 if (isEntryLine(line) && splitEntry(line, k, v) &&
                     k.compare(key, Qt::CaseInsensitive) == 0) {
-                    if (v.size() >= 2 && ((v.front() == QLatin1Char('"') && v.back() == QLatin1Char('"')) ||
-                                          (v.front() == QLatin1Char('\'') && v.back() == QLatin1Char('\''))))
+                    if (v.size() >= 2 &&
+                        ((v.front() == QLatin1Char('"') && v.back() == QLatin1Char('"')) ||
+                         (v.front() == QLatin1Char('\'') && v.back() == QLatin1Char('\''))))
                         v = v.mid(1, v.size() - 2);
                     result = v;
                     break;
@@ -128,7 +131,8 @@ short clsProperties::SetProp(const QString& section, const QString& key, const Q
     bool replaced = false;
     for (QString& line : target->lines) {
         QString k, v;
-        if (isEntryLine(line) && splitEntry(line, k, v) && k.compare(key, Qt::CaseInsensitive) == 0) {
+        if (isEntryLine(line) && splitEntry(line, k, v) &&
+            k.compare(key, Qt::CaseInsensitive) == 0) {
             line = k + QLatin1Char('=') + value;
             replaced = true;
             break;

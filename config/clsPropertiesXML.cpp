@@ -15,8 +15,12 @@ const char* const kSource = "clsPropertiesXML";
 // The text of a new preferences file; the declaration is added as a node of its own.
 const char kNewDocument[] = "<APPLICATIONS>\r\n</APPLICATIONS>";
 
-std::string utf8(const QString& text) { return text.toStdString(); }
-QString fromUtf8(const char* text) { return QString::fromUtf8(text); }
+std::string utf8(const QString& text) {
+    return text.toStdString();
+}
+QString fromUtf8(const char* text) {
+    return QString::fromUtf8(text);
+}
 
 // Runs a single-node XPath selection, turning a query the XML layer refuses (a name with an
 // apostrophe makes one) into a raised failure.

@@ -15,7 +15,8 @@ QString getSystemLanguageCode(clsPropertiesXML& properties) {
 }
 
 QString languageFolder(clsPropertiesXML& properties) {
-    return resolveAppPath(properties.GetProp(QStringLiteral("paths"), QStringLiteral("language"), QString()));
+    return resolveAppPath(
+        properties.GetProp(QStringLiteral("paths"), QStringLiteral("language"), QString()));
 }
 
 bool isLanguageAvailable(clsPropertiesXML& properties, const QString& code) {

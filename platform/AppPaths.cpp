@@ -12,7 +12,9 @@ namespace {
 QString exeFolder() {
     if (QCoreApplication::instance())
         return QCoreApplication::applicationDirPath();
-    return QFileInfo(QStringLiteral("/proc/self/exe")).canonicalFilePath().section(QLatin1Char('/'), 0, -2);
+    return QFileInfo(QStringLiteral("/proc/self/exe"))
+        .canonicalFilePath()
+        .section(QLatin1Char('/'), 0, -2);
 }
 
 bool holdsData(const QString& folder) {
@@ -25,8 +27,9 @@ QString exeBaseName() {
     const QByteArray overridden = qgetenv("TESSALY_EXE_NAME");
     if (!overridden.isEmpty())
         return QString::fromLocal8Bit(overridden);
-    QString path = QCoreApplication::instance() ? QCoreApplication::applicationFilePath()
-                                                : QFileInfo(QStringLiteral("/proc/self/exe")).canonicalFilePath();
+    QString path = QCoreApplication::instance()
+                       ? QCoreApplication::applicationFilePath()
+                       : QFileInfo(QStringLiteral("/proc/self/exe")).canonicalFilePath();
     QString base = QFileInfo(path).completeBaseName();
     return base.isEmpty() ? QStringLiteral("tessaly") : base;
 }

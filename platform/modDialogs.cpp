@@ -15,24 +15,37 @@ namespace {
 
 QMessageBox::StandardButton standardButton(int answer) {
     switch (answer) {
-    case Vb::OK: return QMessageBox::Ok;
-    case Vb::Cancel: return QMessageBox::Cancel;
-    case Vb::Abort: return QMessageBox::Abort;
-    case Vb::Retry: return QMessageBox::Retry;
-    case Vb::Ignore: return QMessageBox::Ignore;
-    case Vb::Yes: return QMessageBox::Yes;
-    case Vb::No: return QMessageBox::No;
-    default: return QMessageBox::NoButton;
+    case Vb::OK:
+        return QMessageBox::Ok;
+    case Vb::Cancel:
+        return QMessageBox::Cancel;
+    case Vb::Abort:
+        return QMessageBox::Abort;
+    case Vb::Retry:
+        return QMessageBox::Retry;
+    case Vb::Ignore:
+        return QMessageBox::Ignore;
+    case Vb::Yes:
+        return QMessageBox::Yes;
+    case Vb::No:
+        return QMessageBox::No;
+    default:
+        return QMessageBox::NoButton;
     }
 }
 
 QMessageBox::Icon boxIcon(int style) {
     switch (style & 0x70) {
-    case Vb::Critical: return QMessageBox::Critical;
-    case Vb::Question: return QMessageBox::Question;
-    case Vb::Exclamation: return QMessageBox::Warning;
-    case Vb::Information: return QMessageBox::Information;
-    default: return QMessageBox::NoIcon;
+    case Vb::Critical:
+        return QMessageBox::Critical;
+    case Vb::Question:
+        return QMessageBox::Question;
+    case Vb::Exclamation:
+        return QMessageBox::Warning;
+    case Vb::Information:
+        return QMessageBox::Information;
+    default:
+        return QMessageBox::NoIcon;
     }
 }
 
@@ -114,12 +127,18 @@ DialogResponder* gResponder = nullptr;
 
 std::vector<int> msgBoxButtons(int style) {
     switch (style & 0x7) {
-    case Vb::OKCancel: return {Vb::OK, Vb::Cancel};
-    case Vb::AbortRetryIgnore: return {Vb::Abort, Vb::Retry, Vb::Ignore};
-    case Vb::YesNoCancel: return {Vb::Yes, Vb::No, Vb::Cancel};
-    case Vb::YesNo: return {Vb::Yes, Vb::No};
-    case Vb::RetryCancel: return {Vb::Retry, Vb::Cancel};
-    default: return {Vb::OK};
+    case Vb::OKCancel:
+        return {Vb::OK, Vb::Cancel};
+    case Vb::AbortRetryIgnore:
+        return {Vb::Abort, Vb::Retry, Vb::Ignore};
+    case Vb::YesNoCancel:
+        return {Vb::Yes, Vb::No, Vb::Cancel};
+    case Vb::YesNo:
+        return {Vb::Yes, Vb::No};
+    case Vb::RetryCancel:
+        return {Vb::Retry, Vb::Cancel};
+    default:
+        return {Vb::OK};
     }
 }
 
@@ -157,9 +176,13 @@ QString vbFilterToQt(const QString& filter) {
     return result.join(QStringLiteral(";;"));
 }
 
-void setDialogResponder(DialogResponder* responder) { gResponder = responder; }
+void setDialogResponder(DialogResponder* responder) {
+    gResponder = responder;
+}
 
-DialogResponder* dialogResponder() { return gResponder ? gResponder : &qtDialogs(); }
+DialogResponder* dialogResponder() {
+    return gResponder ? gResponder : &qtDialogs();
+}
 
 int MsgBox(const QString& text, int style, const QString& title) {
     return dialogResponder()->msgBox(text, style, title.isEmpty() ? kAppTitle : title);
@@ -179,9 +202,13 @@ QString PopupChoice(QMenu* menu, const QPoint& globalPos) {
     return dialogResponder()->popupChoice(menu, globalPos);
 }
 
-ScriptedResponder::ScriptedResponder() : mPrevious(gResponder) { setDialogResponder(this); }
+ScriptedResponder::ScriptedResponder() : mPrevious(gResponder) {
+    setDialogResponder(this);
+}
 
-ScriptedResponder::~ScriptedResponder() { setDialogResponder(mPrevious); }
+ScriptedResponder::~ScriptedResponder() {
+    setDialogResponder(mPrevious);
+}
 
 int ScriptedResponder::msgBox(const QString& text, int style, const QString& title) {
     boxes.push_back({text, style, title});
@@ -204,8 +231,8 @@ bool ScriptedResponder::chooseColor(QWidget*, std::int32_t& colour, int) {
     return true;
 }
 
-bool ScriptedResponder::getOpenFileName(QWidget*, QString& fileName, const QString&,
-                                        const QString&, const QString&, const QString&) {
+bool ScriptedResponder::getOpenFileName(QWidget*, QString& fileName, const QString&, const QString&,
+                                        const QString&, const QString&) {
     ++openFileRequests;
     if (openFiles.empty())
         return false;

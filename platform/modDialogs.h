@@ -89,7 +89,7 @@ public:
         QStringList checked;  // keys of checked items
     };
 
-    ScriptedResponder();  // installs itself
+    ScriptedResponder();           // installs itself
     ~ScriptedResponder() override; // restores the previous responder
 
     std::deque<int> boxAnswers;

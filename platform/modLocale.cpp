@@ -90,19 +90,24 @@ std::int32_t lcidForLocale(const QLocale& locale) {
     return 0x0409;
 }
 
-std::int32_t userDefaultLCID() { return lcidForLocale(QLocale::system()); }
+std::int32_t userDefaultLCID() {
+    return lcidForLocale(QLocale::system());
+}
 
 std::uint16_t systemDefaultLangID() {
     return static_cast<std::uint16_t>(lcidForLocale(QLocale::system()) & 0xFFFF);
 }
 
-QString localeDecimalSeparator() { return trimAtNul(QLocale::system().decimalPoint()); }
+QString localeDecimalSeparator() {
+    return trimAtNul(QLocale::system().decimalPoint());
+}
 
 QString langIdToKey(std::int32_t langId) {
     std::uint16_t id = static_cast<std::uint16_t>(langId & 0xFFFF);
     if (id == 0)
         id = systemDefaultLangID();
-    return QStringLiteral("H") + QString::number(id, 16).toUpper().rightJustified(4, QLatin1Char('0'));
+    return QStringLiteral("H") +
+           QString::number(id, 16).toUpper().rightJustified(4, QLatin1Char('0'));
 }
 
 QString trimAtNul(const QString& text) {

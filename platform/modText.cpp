@@ -7,7 +7,9 @@ TextLookup& lookupSlot() {
 }
 } // namespace
 
-void setTextLookup(TextLookup lookup) { lookupSlot() = std::move(lookup); }
+void setTextLookup(TextLookup lookup) {
+    lookupSlot() = std::move(lookup);
+}
 
 QString localText(const QString& key) {
     const TextLookup& lookup = lookupSlot();

@@ -41,8 +41,9 @@ TEST_F(LegacyImport, DecimalAndHexLanguageIdsAgree) {
 TEST_F(LegacyImport, LanguageFallbacks) {
     EXPECT_EQ(importedLanguage("H7777"), QStringLiteral("en-us")); // no langid entry
     store->SetProp(QStringLiteral("langid"), QStringLiteral("H0416"), QStringLiteral("pt-br;pt"));
-    store->SetProp(QStringLiteral("languages"), QStringLiteral("pt"), QStringLiteral("Português,1"));
-    EXPECT_EQ(importedLanguage("1046"), QStringLiteral("pt")); // the base language is known
+    store->SetProp(QStringLiteral("languages"), QStringLiteral("pt"),
+                   QStringLiteral("Português,1"));
+    EXPECT_EQ(importedLanguage("1046"), QStringLiteral("pt"));     // the base language is known
     EXPECT_EQ(importedLanguage("H040C"), QStringLiteral("en-us")); // neither fr-fr nor fr
 }
 
@@ -51,19 +52,23 @@ TEST_F(LegacyImport, EntriesGoToTheirSectionsAndTheFileStaysWithoutDelete) {
                "[this]\r\nDelete=0\r\nLog=1\r\n[preferences]\r\nSlideDuration=5000\r\n"
                "[paths]\r\narchive=C:\\a=b\r\n");
     importLegacySettings();
-    EXPECT_EQ(store->GetProp(QStringLiteral("preferences"), QStringLiteral("SlideDuration"), QString()),
-              QStringLiteral("5000"));
+    EXPECT_EQ(
+        store->GetProp(QStringLiteral("preferences"), QStringLiteral("SlideDuration"), QString()),
+        QStringLiteral("5000"));
     // A value holding "=" is cut at it.
-    EXPECT_EQ(store->GetProp(QStringLiteral("paths"), QStringLiteral("archive"), QString()), QStringLiteral("C:\\a"));
-    EXPECT_EQ(store->GetProp(QStringLiteral("this"), QStringLiteral("Delete"), QStringLiteral("none")),
-              QStringLiteral("none"));
+    EXPECT_EQ(store->GetProp(QStringLiteral("paths"), QStringLiteral("archive"), QString()),
+              QStringLiteral("C:\\a"));
+    EXPECT_EQ(
+        store->GetProp(QStringLiteral("this"), QStringLiteral("Delete"), QStringLiteral("none")),
+        QStringLiteral("none"));
     EXPECT_TRUE(QFileInfo::exists(ini())) << "Delete=0 keeps the file for the next start";
     QStringList log;
     ASSERT_EQ(store->GetPropList(log, QStringLiteral("AutoUpdate"), QStringLiteral("=")), 0);
     EXPECT_TRUE(log[0].startsWith(QStringLiteral("U_")));
     EXPECT_TRUE(log[0].endsWith(QStringLiteral("=OK")));
     // The import saved the store.
-    EXPECT_TRUE(home.read(QStringLiteral("tessaly.xml")).contains("<KEY name=\"SlideDuration\">5000</KEY>"));
+    EXPECT_TRUE(home.read(QStringLiteral("tessaly.xml"))
+                    .contains("<KEY name=\"SlideDuration\">5000</KEY>"));
 }
 
 TEST_F(LegacyImport, EmptyFileChangesNothingAndDeleteRemovesIt) {

@@ -23,7 +23,9 @@ protected:
     void TearDown() override { gProperties = nullptr; }
 
     QString systemKey() const { return langIdToKey(0); }
-    QString language() const { return store->GetProp(pref, QStringLiteral("Language"), QStringLiteral("unset")); }
+    QString language() const {
+        return store->GetProp(pref, QStringLiteral("Language"), QStringLiteral("unset"));
+    }
 };
 
 } // namespace
@@ -72,12 +74,14 @@ TEST_F(Startup, InitializedStoresMakeNoChoice) {
 
 TEST(FailureReport, PrinterFailureHasItsOwnFixedBox) {
     ScriptedResponder boxes;
-    reportFailure(Failure(482, QStringLiteral("x"), QStringLiteral("Printer error")), QStringLiteral("step"));
+    reportFailure(Failure(482, QStringLiteral("x"), QStringLiteral("Printer error")),
+                  QStringLiteral("step"));
     ASSERT_EQ(boxes.boxes.size(), 1u);
     EXPECT_EQ(boxes.boxes[0].style, 16);
     EXPECT_EQ(boxes.boxes[0].title, QStringLiteral("Printer Error"));
     EXPECT_EQ(boxes.boxes[0].text,
-              QStringLiteral("There is no printer installed.\nInstall a printer and restart the program."));
+              QStringLiteral(
+                  "There is no printer installed.\nInstall a printer and restart the program."));
 }
 
 TEST(FailureReport, OtherFailuresNameTheStepAndTheNumber) {

@@ -11,10 +11,13 @@ TEST(LanguageChoice, AvailabilityNeedsAnEnabledRecordAndAFile) {
     home.write(QStringLiteral("language/tessaly/en-us.xml"), "<langtab/>");
     home.write(QStringLiteral("language/tessaly/de.xml"), "<langtab/>");
     clsPropertiesXML store;
-    store.SetProp(QStringLiteral("paths"), QStringLiteral("language"), QStringLiteral("\\language\\tessaly"));
-    store.SetProp(QStringLiteral("languages"), QStringLiteral("en-us"), QStringLiteral("English,1"));
+    store.SetProp(QStringLiteral("paths"), QStringLiteral("language"),
+                  QStringLiteral("\\language\\tessaly"));
+    store.SetProp(QStringLiteral("languages"), QStringLiteral("en-us"),
+                  QStringLiteral("English,1"));
     store.SetProp(QStringLiteral("languages"), QStringLiteral("de"), QStringLiteral("Deutsch,0"));
-    store.SetProp(QStringLiteral("languages"), QStringLiteral("fr-fr"), QStringLiteral("Français,1"));
+    store.SetProp(QStringLiteral("languages"), QStringLiteral("fr-fr"),
+                  QStringLiteral("Français,1"));
     store.SetProp(QStringLiteral("languages"), QStringLiteral("xx"), QStringLiteral("broken"));
     EXPECT_TRUE(isLanguageAvailable(store, QStringLiteral("en-us")));
     EXPECT_FALSE(isLanguageAvailable(store, QStringLiteral("de")));    // disabled
@@ -31,7 +34,8 @@ TEST(LanguageChoice, ShippedPreferencesKnowTheShippedLanguages) {
         const QString record = store.GetProp(QStringLiteral("languages"), code, QString());
         EXPECT_FALSE(record.isEmpty()) << code.toStdString();
     }
-    EXPECT_EQ(store.GetProp(QStringLiteral("langid"), QStringLiteral("H0407"), QString()).section(';', 0, 0),
+    EXPECT_EQ(store.GetProp(QStringLiteral("langid"), QStringLiteral("H0407"), QString())
+                  .section(';', 0, 0),
               QStringLiteral("de-de"));
     EXPECT_EQ(store.GetProp(QStringLiteral("paths"), QStringLiteral("messages"), QString()),
               QStringLiteral("\\Messages\\"));

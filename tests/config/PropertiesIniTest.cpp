@@ -11,7 +11,8 @@ TEST(PropertiesIni, DefaultFileAndMissingFile) {
     QStringList list{QStringLiteral("stale")};
     EXPECT_EQ(ini.GetSections(list), -1);
     EXPECT_TRUE(list.isEmpty());
-    EXPECT_EQ(ini.GetProp(QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("d")), QStringLiteral("d"));
+    EXPECT_EQ(ini.GetProp(QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("d")),
+              QStringLiteral("d"));
     home.write(QStringLiteral("tessaly.ini"), "");
     EXPECT_EQ(ini.GetSections(list), -1);
 }
@@ -24,12 +25,15 @@ TEST(PropertiesIni, ReadsSectionsAndEntriesInFileOrder) {
     clsProperties ini;
     QStringList list;
     EXPECT_EQ(ini.GetSections(list), 2);
-    EXPECT_EQ(list, (QStringList{QStringLiteral("this"), QStringLiteral("Preferences"), QStringLiteral("Other")}));
+    EXPECT_EQ(list, (QStringList{QStringLiteral("this"), QStringLiteral("Preferences"),
+                                 QStringLiteral("Other")}));
     EXPECT_EQ(ini.GetPropList(QStringLiteral("preferences"), list), 2);
     EXPECT_EQ(list, (QStringList{QStringLiteral("LanguageID=1033"), QStringLiteral("Path=a=b"),
                                  QStringLiteral("Quoted=\"x y\"")}));
-    EXPECT_EQ(ini.GetProp(QStringLiteral("THIS"), QStringLiteral("delete"), QStringLiteral("0")), QStringLiteral("1"));
-    EXPECT_EQ(ini.GetProp(QStringLiteral("Preferences"), QStringLiteral("Quoted"), QString()), QStringLiteral("x y"));
+    EXPECT_EQ(ini.GetProp(QStringLiteral("THIS"), QStringLiteral("delete"), QStringLiteral("0")),
+              QStringLiteral("1"));
+    EXPECT_EQ(ini.GetProp(QStringLiteral("Preferences"), QStringLiteral("Quoted"), QString()),
+              QStringLiteral("x y"));
 }
 
 TEST(PropertiesIni, ValuesAreCutAt255Characters) {
@@ -37,14 +41,16 @@ TEST(PropertiesIni, ValuesAreCutAt255Characters) {
     clsProperties ini;
     const QString longValue(300, QLatin1Char('v'));
     EXPECT_NE(ini.SetProp(QStringLiteral("s"), QStringLiteral("k"), longValue), 0);
-    EXPECT_EQ(ini.GetProp(QStringLiteral("s"), QStringLiteral("k"), QString()), QString(255, QLatin1Char('v')));
+    EXPECT_EQ(ini.GetProp(QStringLiteral("s"), QStringLiteral("k"), QString()),
+              QString(255, QLatin1Char('v')));
 }
 
 TEST(PropertiesIni, ListsSeeAtMost4096Characters) {
     TestHome home;
     QByteArray text = "[big]\r\n";
     for (int i = 0; i < 300; ++i)
-        text += "key" + QByteArray::number(i).rightJustified(3, '0') + "=value_value\r\n"; // 18 characters
+        text += "key" + QByteArray::number(i).rightJustified(3, '0') +
+                "=value_value\r\n"; // 18 characters
     home.write(QStringLiteral("tessaly.ini"), text);
     clsProperties ini;
     QStringList list;

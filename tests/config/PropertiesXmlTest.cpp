@@ -49,10 +49,10 @@ TEST_F(PropertiesXml, NewFileComesIntoBeingAtTheEndWithTheExactLayout) {
         EXPECT_EQ(store->SetProp(pref, QStringLiteral("Language"), QStringLiteral("de-de")), 1);
         EXPECT_FALSE(QFileInfo::exists(file())) << "nothing is written before the end";
     }
-    EXPECT_EQ(contents(),
-              kHeader + "<APPLICATIONS><APPLICATION name=\"tessaly\"><SECTIONS><SECTION "
-                        "name=\"preferences\"><KEY name=\"Language\">de-de</KEY></SECTION>"
-                        "</SECTIONS></APPLICATION></APPLICATIONS>\r\n");
+    EXPECT_EQ(contents(), kHeader +
+                              "<APPLICATIONS><APPLICATION name=\"tessaly\"><SECTIONS><SECTION "
+                              "name=\"preferences\"><KEY name=\"Language\">de-de</KEY></SECTION>"
+                              "</SECTIONS></APPLICATION></APPLICATIONS>\r\n");
     // And an independent parser reads it.
     QProcess python;
     python.start(QStringLiteral("python3"),
@@ -83,7 +83,8 @@ TEST_F(PropertiesXml, MissingFileReadsDefaultsWithoutWritingOnRead) {
         clsPropertiesXML store;
         store.setApplicationName(QString()); // nothing to bind: nothing to write
         store.Initialize(file(), QString());
-        EXPECT_EQ(store.GetProp(pref, QStringLiteral("x"), QStringLiteral("7")), QStringLiteral("7"));
+        EXPECT_EQ(store.GetProp(pref, QStringLiteral("x"), QStringLiteral("7")),
+                  QStringLiteral("7"));
     }
     // The default application gets bound on a missing file, so that file comes into being.
     { auto store = open(); }
@@ -97,17 +98,21 @@ TEST_F(PropertiesXml, SetPropReportsChangesOnly) {
     EXPECT_EQ(store->SetProp(pref, QStringLiteral("A"), QStringLiteral("2")), 1);
     EXPECT_EQ(store->GetProp(pref, QStringLiteral("A"), QString()), QStringLiteral("2"));
     // Names are case sensitive.
-    EXPECT_EQ(store->GetProp(QStringLiteral("Preferences"), QStringLiteral("A"), QStringLiteral("none")),
+    EXPECT_EQ(
+        store->GetProp(QStringLiteral("Preferences"), QStringLiteral("A"), QStringLiteral("none")),
+        QStringLiteral("none"));
+    EXPECT_EQ(store->GetProp(pref, QStringLiteral("a"), QStringLiteral("none")),
               QStringLiteral("none"));
-    EXPECT_EQ(store->GetProp(pref, QStringLiteral("a"), QStringLiteral("none")), QStringLiteral("none"));
 }
 
 TEST_F(PropertiesXml, AKeyStoredEmptyCannotBeChangedAgain) {
     auto store = open();
     EXPECT_EQ(store->SetProp(pref, QStringLiteral("E"), QString()), 1);
-    EXPECT_EQ(store->GetProp(pref, QStringLiteral("E"), QStringLiteral("dflt")), QStringLiteral("dflt"));
+    EXPECT_EQ(store->GetProp(pref, QStringLiteral("E"), QStringLiteral("dflt")),
+              QStringLiteral("dflt"));
     EXPECT_EQ(store->SetProp(pref, QStringLiteral("E"), QStringLiteral("text")), 0);
-    EXPECT_EQ(store->GetProp(pref, QStringLiteral("E"), QStringLiteral("dflt")), QStringLiteral("dflt"));
+    EXPECT_EQ(store->GetProp(pref, QStringLiteral("E"), QStringLiteral("dflt")),
+              QStringLiteral("dflt"));
 }
 
 TEST_F(PropertiesXml, EmptyKeyMakesTheSectionButIsNotAChange) {
@@ -134,7 +139,8 @@ TEST_F(PropertiesXml, ApplicationNamesAreLowerCaseAndRebind) {
     store->SetProp(pref, QStringLiteral("K"), QStringLiteral("tessaly value"));
     store->setApplicationName(QStringLiteral("ABC"));
     EXPECT_EQ(store->ApplicationName(), QStringLiteral("abc"));
-    EXPECT_EQ(store->GetProp(pref, QStringLiteral("K"), QStringLiteral("none")), QStringLiteral("none"));
+    EXPECT_EQ(store->GetProp(pref, QStringLiteral("K"), QStringLiteral("none")),
+              QStringLiteral("none"));
     store->SetProp(pref, QStringLiteral("K"), QStringLiteral("abc value"));
     store->setApplicationName(QString()); // ignored
     EXPECT_EQ(store->ApplicationName(), QStringLiteral("abc"));
@@ -142,7 +148,8 @@ TEST_F(PropertiesXml, ApplicationNamesAreLowerCaseAndRebind) {
     EXPECT_EQ(store->GetApplicationNodes(apps), 1);
     EXPECT_EQ(apps, (QStringList{QStringLiteral("tessaly"), QStringLiteral("abc")}));
     store->setApplicationName(QStringLiteral("Tessaly"));
-    EXPECT_EQ(store->GetProp(pref, QStringLiteral("K"), QString()), QStringLiteral("tessaly value"));
+    EXPECT_EQ(store->GetProp(pref, QStringLiteral("K"), QString()),
+              QStringLiteral("tessaly value"));
 }
 
 TEST_F(PropertiesXml, FileNameIsFixedAfterTheFirstRead) {
@@ -156,10 +163,11 @@ TEST_F(PropertiesXml, FileNameIsFixedAfterTheFirstRead) {
 }
 
 TEST_F(PropertiesXml, ListsWithCommentsAndSeparators) {
-    writeFile(kHeader + "<APPLICATIONS><APPLICATION name=\"tessaly\"><SECTIONS>"
-                        "<SECTION name=\"s\"><KEY name=\"a\">1</KEY><!-- note --><KEY "
-                        "name=\"b\">2</KEY></SECTION><SECTION name=\"bad\"><KEY name=\"e\"/></SECTION>"
-                        "</SECTIONS></APPLICATION></APPLICATIONS>");
+    writeFile(kHeader +
+              "<APPLICATIONS><APPLICATION name=\"tessaly\"><SECTIONS>"
+              "<SECTION name=\"s\"><KEY name=\"a\">1</KEY><!-- note --><KEY "
+              "name=\"b\">2</KEY></SECTION><SECTION name=\"bad\"><KEY name=\"e\"/></SECTION>"
+              "</SECTIONS></APPLICATION></APPLICATIONS>");
     auto store = open();
     QStringList list;
     EXPECT_EQ(store->GetPropList(list, QStringLiteral("s"), QStringLiteral("=")), 2);
@@ -173,9 +181,10 @@ TEST_F(PropertiesXml, ListsWithCommentsAndSeparators) {
     EXPECT_EQ(keys, (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
     EXPECT_THROW(store->GetKeyNodes(keys, QStringLiteral("none")), Failure);
 
-    EXPECT_EQ(store->SetPropList(QStringLiteral("s"),
-                                 {QStringLiteral("one=1"), QStringLiteral("two"), QStringLiteral("t=h=ree")},
-                                 QStringLiteral("=")),
+    EXPECT_EQ(store->SetPropList(
+                  QStringLiteral("s"),
+                  {QStringLiteral("one=1"), QStringLiteral("two"), QStringLiteral("t=h=ree")},
+                  QStringLiteral("=")),
               0);
     EXPECT_EQ(store->GetPropList(list, QStringLiteral("s"), QStringLiteral("=")), 0);
     EXPECT_EQ(list, QStringList{QStringLiteral("one=1")});
@@ -186,9 +195,11 @@ TEST_F(PropertiesXml, Deletes) {
     store->SetProp(pref, QStringLiteral("a"), QStringLiteral("1"));
     store->SetProp(pref, QStringLiteral("b"), QStringLiteral("2"));
     store->DeleteProp(pref, QStringLiteral("a"));
-    EXPECT_EQ(store->GetProp(pref, QStringLiteral("a"), QStringLiteral("gone")), QStringLiteral("gone"));
+    EXPECT_EQ(store->GetProp(pref, QStringLiteral("a"), QStringLiteral("gone")),
+              QStringLiteral("gone"));
     store->DeletePropSection(pref);
-    EXPECT_EQ(store->GetProp(pref, QStringLiteral("b"), QStringLiteral("gone")), QStringLiteral("gone"));
+    EXPECT_EQ(store->GetProp(pref, QStringLiteral("b"), QStringLiteral("gone")),
+              QStringLiteral("gone"));
 
     clsPropertiesXML fresh; // deletes do nothing before the first use
     fresh.DeleteApplication(QStringLiteral("tessaly"));

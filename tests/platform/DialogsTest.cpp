@@ -74,8 +74,8 @@ TEST(ScriptedResponder, PopupChoosesOnlyEnabledItemsThatExist) {
     EXPECT_EQ(PopupChoice(&menu, {}), QString());
     EXPECT_EQ(PopupChoice(&menu, {}), QString());
     ASSERT_EQ(responder.popups.size(), 3u);
-    EXPECT_EQ(responder.popups[0].keys,
-              (QStringList{QStringLiteral("open"), QStringLiteral("save"), QStringLiteral("deep")}));
+    EXPECT_EQ(responder.popups[0].keys, (QStringList{QStringLiteral("open"), QStringLiteral("save"),
+                                                     QStringLiteral("deep")}));
     EXPECT_EQ(responder.popups[0].disabled, QStringList{QStringLiteral("save")});
 }
 

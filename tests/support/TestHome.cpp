@@ -19,7 +19,9 @@ TestHome::~TestHome() {
         qputenv("TESSALY_HOME", mPrevious);
 }
 
-QString TestHome::file(const QString& relative) const { return joinPath(mDir.path(), relative); }
+QString TestHome::file(const QString& relative) const {
+    return joinPath(mDir.path(), relative);
+}
 
 void TestHome::write(const QString& relative, const QByteArray& content) const {
     const QString target = file(relative);
@@ -34,4 +36,6 @@ QByteArray TestHome::read(const QString& relative) const {
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
-QString sourceDataFolder() { return QStringLiteral(TESSALY_SOURCE_DATA); }
+QString sourceDataFolder() {
+    return QStringLiteral(TESSALY_SOURCE_DATA);
+}

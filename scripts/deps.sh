@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Installs the Debian 12 packages Tessaly needs to build, run and test, where they are missing.
+set -euo pipefail
+
+packages=(
+  # build
+  cmake ninja-build g++ pkg-config
+  qt6-base-dev libpugixml-dev libfreeimage-dev libjpeg62-turbo-dev libgif-dev
+  # tests and benchmarks
+  googletest libgtest-dev libgmock-dev libbenchmark-dev python3
+  giflib-tools libjpeg-turbo-progs
+  # looking at the program under a virtual display
+  xvfb xauth
+  # fonts so that the window draws real text
+  fonts-dejavu-core
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+
+if ((${#missing[@]})); then
+  echo "Installing: ${missing[*]}"
+  sudo=""
+  [ "$(id -u)" -eq 0 ] || sudo="sudo"
+  $sudo apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi
