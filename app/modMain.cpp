@@ -5,6 +5,7 @@
 #include "app/frmMain.h"
 #include "config/clsProperties.h"
 #include "config/clsPropertiesXML.h"
+#include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
 #include "config/modLanguage.h"
 #include "platform/AppPaths.h"
@@ -156,6 +157,11 @@ void releaseSharedObjects() {
     gProperties = nullptr;
 }
 
+void releaseLocalizer() {
+    delete gLocalizer;
+    gLocalizer = nullptr;
+}
+
 namespace {
 
 // The start-up steps; a failure leaves them at once for the handler.
@@ -175,8 +181,14 @@ void runStartup(TessalyApplication& app) {
     importLegacySettings();
 
     gStep = QStringLiteral("ModMain.Main - clsMCIManager");
+    // The sound layer comes with the audio subsystem.
+
     gStep = QStringLiteral("ModMain.Main - clsXMLLocalizer");
+    gLocalizer = new clsXMLocalizer(*gProperties);
+    const QString language =
+        gProperties->GetProp(kPreferences, QStringLiteral("Language"), QStringLiteral("en-us"));
     gStep = QStringLiteral("ModMain.Main - clsXMLLocalizer.SetLanguage");
+    gLocalizer->SetLanguage(language);
 
     gCommandLine = commandLineOf(app.arguments());
 
@@ -218,5 +230,7 @@ int Main(int argc, char** argv) {
                       gStep);
         return 1;
     }
-    return app.exec();
+    const int code = app.exec();
+    releaseLocalizer();
+    return code;
 }

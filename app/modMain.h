@@ -26,5 +26,8 @@ void reportFailure(const Failure& failure, const QString& step);
 QString currentStep();
 
 // Releases what start-up made (the main window's unload calls it): saves and drops the
-// preferences store and the localiser.
+// preferences store.
 void releaseSharedObjects();
+
+// Drops the localiser, the last shared object, when the event loop has ended.
+void releaseLocalizer();
