@@ -1,0 +1,58 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+// The LZW coder of the GIF writer. Its code table never passes 511 entries, so no code is wider
+// than 9 bits; the caller resets it when the next code reaches 511. Codes are packed least
+// significant bit first into sub-blocks of at most 255 bytes, appended to `out`.
+class GifLzwCoder {
+public:
+    explicit GifLzwCoder(std::vector<std::uint8_t>& out) : mOut(out) {}
+
+    // Prepares the coder for pixels of `bitsPerPixel` bits.
+    void Initialise(int bitsPerPixel);
+    // Takes one pixel; `count` is 1 for the first pixel after a start or a reset. Returns the
+    // code to write, or -1 for none.
+    int CompressPixel(int value, int count);
+    // The code of the pixels matched so far.
+    int Flush() const { return pendingCode; }
+    void WriteCode(int code);
+    void WriteBlockByte(int value);
+    void ResetTable();
+
+    int minCodeSize() const { return mMinCodeSize; }
+    int clearCode() const { return mClearCode; }
+    int endCode() const { return mEndCode; }
+    int nextCode() const { return mNextCode; }
+    int codeSize() const { return mCodeSize; }
+
+    // Codes per table: the table holds codes up to 511.
+    static constexpr int kTableLimit = 511;
+
+private:
+    void AddString(int prefix, int pixel);
+    int FindString(int prefix, int pixel) const;
+
+    std::vector<std::uint8_t>& mOut;
+    int mMinCodeSize = 0;
+    int mCodeSize = 0;
+    int mCodeLimit = 0;
+    int mClearCode = 0;
+    int mEndCode = 0;
+    int mFirstFreeCode = 0;
+    int mNextCode = 0;
+    int pendingCode = 0; // the code of the pending string: a pixel value or a table entry
+
+    std::uint32_t bitBuffer = 0;
+    int bitCount = 0;
+    std::array<std::uint8_t, 256> block{};
+    int blockCount = 0;
+
+    // The code table as an open-addressing hash of (prefix code, pixel) to code. Each entry
+    // stands for the whole string of its prefix plus the pixel, which is what the stream needs.
+    static constexpr int kSlots = 1024;
+    std::array<std::uint32_t, kSlots> mKeys{}; // key + 1, 0 for an empty slot
+    std::array<std::uint16_t, kSlots> mCodes{};
+};

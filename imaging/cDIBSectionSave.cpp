@@ -1,0 +1,358 @@
+#include "imaging/cDIBSectionSave.h"
+
+#include "imaging/GifLzwCoder.h"
+#include "imaging/cPalette.h"
+#include "platform/Failure.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QTemporaryFile>
+#include <cerrno>
+#include <cmath>
+#include <fcntl.h>
+#include <new>
+#include <unistd.h>
+
+const char* const cDIBSectionSave::kWriterMark = "Written by the GIF writer v01";
+
+namespace {
+
+const QString kSaveSource = QStringLiteral("cDIBSectionSave.Save");
+const QString kGifSource = QStringLiteral("cDIBSectionSave.PictureBoxToGif");
+
+inline int padToLong(int n) {
+    return (n + 3) & ~3;
+}
+
+void putWord(std::vector<std::uint8_t>& out, int value) {
+    out.push_back(std::uint8_t(value & 0xFF));
+    out.push_back(std::uint8_t((value >> 8) & 0xFF));
+}
+
+// Bytes in sub-blocks of at most 255, then the zero-length block.
+void putSubBlocks(std::vector<std::uint8_t>& out, const QByteArray& bytes) {
+    for (qsizetype at = 0; at < bytes.size(); at += 255) {
+        const qsizetype n = std::min<qsizetype>(255, bytes.size() - at);
+        out.push_back(std::uint8_t(n));
+        out.insert(out.end(), bytes.begin() + at, bytes.begin() + at + n);
+    }
+    out.push_back(0);
+}
+
+// Buffer row numbers in the order the rows are written; rows are stored bottom-up.
+std::vector<int> BuildRowOrder(int imageHeight, bool interlaced) {
+    std::vector<int> order;
+    order.reserve(std::size_t(imageHeight));
+    auto take = [&](int first, int step) {
+        for (int k = first; k <= imageHeight; k += step)
+            order.push_back(imageHeight - k);
+    };
+    if (!interlaced) {
+        take(1, 1);
+    } else {
+        take(1, 8);
+        take(5, 8);
+        take(3, 4);
+        take(2, 2);
+    }
+    return order;
+}
+
+// Writes all of `bytes` at the start of `path` without cutting an existing file short.
+void writeOver(const QString& path, const std::vector<std::uint8_t>& bytes) {
+    const QByteArray name = QFile::encodeName(path);
+    const int fd = ::open(name.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    if (fd < 0)
+        throw Failure(75, kGifSource, QStringLiteral("Path/File access error"));
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0) {
+            ::close(fd);
+            throw Failure(61, kGifSource, QStringLiteral("Disk full"));
+        }
+        done += std::size_t(n);
+    }
+    if (::close(fd) != 0)
+        throw Failure(61, kGifSource, QStringLiteral("Disk full"));
+}
+
+} // namespace
+
+void cDIBSectionSave::UpdateStatus(int line, int /*width*/, int /*height*/,
+                                   const QString& stageText, int stageNumber) {
+    if (!mHasPicture || !mStatus)
+        return;
+    mStatus->Clear();
+    mStatus->ShowLines(
+        QStringLiteral("Line :%1 of %2").arg(std::max(line, 1)).arg(lineTotal),
+        QStringLiteral("%1: Stage %2 of %3").arg(stageText).arg(stageNumber).arg(stageTotal));
+}
+
+int cDIBSectionSave::NearestColourIndex(std::int32_t colour) const {
+    const int red = colour % 256, green = (colour / 256) % 256, blue = colour / 65536;
+    long best = 10000000;
+    int index = 0;
+    for (int i = 0; i < colourCount; ++i) {
+        const auto& c = colourTable[std::size_t(i)];
+        const long dr = red - c[2], dg = green - c[1], db = blue - c[0];
+        const long distance = dr * dr + dg * dg + db * db;
+        if (distance < best) {
+            best = distance;
+            index = i;
+        }
+    }
+    return index & 0xFF;
+}
+
+bool cDIBSectionSave::Save(const QImage& picture, const QString& pictureName,
+                           GifStatusSink* statusBox, const QString& fileName, int& bits) {
+    mHasPicture = true;
+    mStatus = statusBox;
+    if (mStatus)
+        mStatus->Clear();
+
+    const int width = picture.width();
+    const int height = picture.height();
+    cDIBSection source;
+    source.Create(width, height);
+
+    if (fileName.isEmpty())
+        throw Failure(kErrPrinterDC, kSaveSource, QStringLiteral("Cannot Create Printer DC"));
+    if (bits != 4)
+        bits = 8;
+
+    try {
+        source.LoadPictureBlt(picture);
+
+        cPalette palette;
+        palette.CreateOptimal(source, this, 1 << bits, 8);
+        cDIBSection mapped;
+        mapped.Create(width, height);
+        // The diffusion only reaches pixels not yet mapped, so the index ApplyPalette chose for
+        // a pixel is the index of the nearest colour to the diffused pixel left in `source`.
+        std::vector<std::uint16_t> chosen;
+        palette.ApplyPalette(source, mapped, this, true, &chosen);
+
+        // The indexed bitmap and its colour table.
+        IndexedBitmap indexed;
+        if (width <= 0 || height <= 0 || !source.DIBSectionBitsPtr())
+            throw Failure(kErrCreateDIB, kSaveSource, QStringLiteral("Cannot Create DIBSection"));
+        BitmapInfoHeader& header = indexed.header;
+        header.biWidth = width;
+        header.biHeight = height;
+        header.biBitCount = std::uint16_t(bits);
+        header.biSizeImage = bits == 4 ? std::uint32_t((width / 2 + (width / 2) % 4) * height)
+                                       : std::uint32_t((width + width % 4) * height);
+        const int entries = std::min(bits == 4 ? 16 : 256, palette.Count());
+        for (int i = 0; i < entries; ++i)
+            indexed.colourTable[std::size_t(i)] = {palette.Blue(i + 1), palette.Green(i + 1),
+                                                   palette.Red(i + 1), 0};
+        const int stride = ((width * bits + 31) / 32) * 4;
+        indexed.bits.assign(std::size_t(stride) * std::size_t(height), 0);
+
+        // Each diffused pixel takes the index of its nearest palette colour.
+        if (chosen.size() != std::size_t(width) * std::size_t(height))
+            throw Failure(kErrCreateDIB, kSaveSource, QStringLiteral("Cannot Create DIBSection"));
+        for (int y = 0; y < height; ++y) {
+            const std::uint16_t* index = chosen.data() + std::size_t(y) * std::size_t(width);
+            std::uint8_t* row = indexed.bits.data() + std::size_t(y) * std::size_t(stride);
+            for (int x = 0; x < width; ++x) {
+                if (bits == 8)
+                    row[x] = std::uint8_t(index[x]);
+                else
+                    row[x / 2] |= std::uint8_t((index[x] & 0x0F) << ((x & 1) ? 0 : 4));
+            }
+        }
+
+        if (PictureBoxToGif(indexed, pictureName, fileName, true, bits, false))
+            throw Failure(kErrPictureBoxToGif, kSaveSource,
+                          QStringLiteral("PictureBoxToGif function failed"));
+
+        if (mStatus) {
+            mStatus->Clear();
+            QImage shown(width, height, QImage::Format_Indexed8);
+            QList<QRgb> colours;
+            for (const auto& c : indexed.colourTable)
+                colours.push_back(qRgb(c[2], c[1], c[0]));
+            shown.setColorTable(colours);
+            for (int y = 0; y < height; ++y) {
+                const std::uint8_t* row =
+                    indexed.bits.data() + std::size_t(height - 1 - y) * std::size_t(stride);
+                std::uint8_t* out = shown.scanLine(y);
+                for (int x = 0; x < width; ++x)
+                    out[x] = bits == 8 ? row[x] : ((row[x / 2] >> ((x & 1) ? 0 : 4)) & 0x0F);
+            }
+            if (!mStatus->ShowPicture(shown))
+                throw Failure(kErrStatusBlit, kSaveSource,
+                              QStringLiteral("Blit to our status PictureBox failed"));
+        }
+    } catch (const std::bad_alloc&) {
+        throw Failure(7, kSaveSource, QStringLiteral("Out of memory"));
+    }
+    return true;
+}
+
+bool cDIBSectionSave::PictureBoxToGif(const IndexedBitmap& bitmap, const QString& pictureName,
+                                      const QString& fileName, bool /*discardTempFirst*/, int bits,
+                                      bool interlaced,
+                                      std::optional<std::int32_t> transparentColour, int textLeft,
+                                      int textTop, int textColumns, int textRows, int cellWidth,
+                                      int cellHeight, std::int32_t textBackground,
+                                      std::int32_t textForeground, const QString& text) {
+    mLastErrorNumber = 0;
+    mLastErrorText.clear();
+    try {
+        std::vector<std::uint8_t> out;
+        writeStream(out, bitmap, pictureName, bits, interlaced, transparentColour, textLeft,
+                    textTop, textColumns, textRows, cellWidth, cellHeight, textBackground,
+                    textForeground, text);
+        QString name = fileName;
+        if (name.isEmpty()) {
+            QTemporaryFile temporary(QDir::tempPath() + QStringLiteral("/GIFXXXXXX.tmp"));
+            temporary.setAutoRemove(false);
+            if (!temporary.open())
+                throw Failure(75, kGifSource, QStringLiteral("Path/File access error"));
+            name = temporary.fileName();
+        }
+        writeOver(name, out);
+    } catch (const Failure& failure) {
+        mLastErrorNumber = failure.number();
+        mLastErrorText = failure.description();
+        return true;
+    } catch (const std::bad_alloc&) {
+        mLastErrorNumber = kErrAllocate;
+        return true;
+    }
+    return false;
+}
+
+void cDIBSectionSave::writeStream(std::vector<std::uint8_t>& out, const IndexedBitmap& bitmap,
+                                  const QString& pictureName, int bits, bool interlaced,
+                                  std::optional<std::int32_t> transparentColour, int textLeft,
+                                  int textTop, int textColumns, int textRows, int cellWidth,
+                                  int cellHeight, std::int32_t textBackground,
+                                  std::int32_t textForeground, const QString& text) {
+    // LoadBitmapBits
+    bitsPerPixel = bits;
+    if (bits != 1 && bits != 4 && bits != 8)
+        throw Failure(kErrLoadBits, kGifSource, {});
+    const int pixelsPerByte = 8 / bits;
+    colourTable = {};
+    const int tableEntries = bits == 8 ? 256 : 16;
+    for (int i = 0; i < tableEntries; ++i)
+        colourTable[std::size_t(i)] = bitmap.colourTable[std::size_t(i)];
+    if (bitmap.bits.empty())
+        throw Failure(kErrLoadBits, kGifSource, {});
+
+    // SetDimensions
+    const int width = bitmap.header.biWidth;
+    const int height = bitmap.header.biHeight;
+    if (width <= 0 || height <= 0 || width > 32767 || height > 32767)
+        throw Failure(kErrLoadBits, kGifSource, {});
+    const int imageWidth = width, imageHeight = height;
+    const int rowBytes = padToLong(int(std::nearbyint(double(imageWidth) * bits / 8.0)));
+    colourCount = 1 << bitsPerPixel;
+    const int wantWidth = textLeft + textColumns * cellWidth;
+    const int wantHeight = textTop + textRows * cellHeight;
+    const int screenWidth = wantWidth > imageWidth ? wantWidth : imageWidth;
+    const int screenHeight = wantHeight > imageHeight ? wantHeight : imageHeight;
+    if (screenWidth > 32767 || screenHeight > 32767)
+        throw Failure(6, kGifSource, QStringLiteral("Overflow"));
+    const std::size_t rowNeed = std::size_t((imageWidth + pixelsPerByte - 1) / pixelsPerByte);
+    if (std::size_t(imageHeight - 1) * std::size_t(rowBytes) + rowNeed > bitmap.bits.size())
+        throw Failure(kErrLoadBits, kGifSource, {});
+
+    GifLzwCoder coder(out);
+    coder.Initialise(bitsPerPixel);
+    const std::vector<int> rowOrder = BuildRowOrder(imageHeight, interlaced);
+    out.reserve(out.size() + std::size_t(imageWidth) * std::size_t(imageHeight) / 2 + 1024);
+
+    // WriteHeader
+    for (const char c : {'G', 'I', 'F', '8', '9', 'a'})
+        out.push_back(std::uint8_t(c));
+    putWord(out, screenWidth);
+    putWord(out, screenHeight);
+    out.push_back(std::uint8_t(240 | (bitsPerPixel - 1)));
+    out.push_back(0);
+    out.push_back(0);
+    // WriteColourTable
+    for (int i = 0; i < colourCount; ++i) {
+        const auto& c = colourTable[std::size_t(i)];
+        out.push_back(c[2]);
+        out.push_back(c[1]);
+        out.push_back(c[0]);
+    }
+    // WriteGraphicControlExtension
+    if (transparentColour) {
+        for (const int b : {33, 249, 4, 5, 0, 0})
+            out.push_back(std::uint8_t(b));
+        out.push_back(std::uint8_t(NearestColourIndex(*transparentColour)));
+        out.push_back(0);
+    }
+    // WriteImageDescriptor
+    out.push_back(44);
+    putWord(out, 0);
+    putWord(out, 0);
+    putWord(out, imageWidth);
+    putWord(out, imageHeight);
+    out.push_back(interlaced ? 64 : 0);
+    out.push_back(std::uint8_t(coder.minCodeSize()));
+
+    int count = 1;
+    coder.WriteCode(coder.clearCode());
+    lineTotal = imageHeight;
+    const bool pumpEvents = QCoreApplication::instance() != nullptr;
+    for (int i = 0; i < imageHeight; ++i) {
+        UpdateStatus(i + 1, imageWidth, imageHeight, QStringLiteral("Saving Gif file"), 3);
+        const std::uint8_t* row =
+            bitmap.bits.data() + std::size_t(rowOrder[std::size_t(i)]) * std::size_t(rowBytes);
+        for (int x = 0; x < imageWidth; ++x) {
+            int value;
+            if (bits == 8)
+                value = row[x];
+            else if (bits == 4)
+                value = (row[x / 2] >> ((x & 1) ? 0 : 4)) & 0x0F;
+            else
+                value = (row[x / 8] >> (7 - (x & 7))) & 1;
+            const int code = coder.CompressPixel(value, count);
+            if (code >= 0)
+                coder.WriteCode(code);
+            ++count;
+            if (coder.nextCode() >= GifLzwCoder::kTableLimit) {
+                coder.WriteCode(coder.Flush());
+                coder.WriteCode(coder.clearCode());
+                coder.ResetTable();
+                count = 1;
+            }
+        }
+        if (pumpEvents)
+            QCoreApplication::processEvents();
+    }
+    coder.WriteCode(coder.Flush());
+    coder.WriteCode(coder.endCode());
+
+    // WriteCommentExtension
+    out.push_back(33);
+    out.push_back(254);
+    putSubBlocks(out, (pictureName + QLatin1Char(' ') + QLatin1String(kWriterMark)).toLatin1());
+    // WritePlainTextExtension
+    if (!text.isEmpty()) {
+        out.push_back(33);
+        out.push_back(1);
+        out.push_back(12);
+        putWord(out, textLeft);
+        putWord(out, textTop);
+        putWord(out, textColumns * cellWidth);
+        putWord(out, textRows * cellHeight);
+        out.push_back(std::uint8_t(cellWidth));
+        out.push_back(std::uint8_t(cellHeight));
+        out.push_back(std::uint8_t(NearestColourIndex(textForeground)));
+        out.push_back(std::uint8_t(NearestColourIndex(textBackground)));
+        putSubBlocks(out, text.toLatin1());
+    }
+    // WriteTrailer
+    out.push_back(59);
+}

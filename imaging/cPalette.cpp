@@ -1,0 +1,429 @@
+#include "imaging/cPalette.h"
+
+#include "imaging/cDIBSection.h"
+#include "imaging/cDIBSectionSave.h"
+#include "platform/Failure.h"
+#include "platform/modDialogs.h"
+
+#include <QString>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+namespace {
+
+constexpr int kCellShift = 3; // 32 levels a channel in the lookup grid
+constexpr int kCellsPerChannel = 256 >> kCellShift;
+constexpr int kCellCount = kCellsPerChannel * kCellsPerChannel * kCellsPerChannel;
+
+[[noreturn]] void raiseSubscript() {
+    throw Failure(FailureNumber::SubscriptOutOfRange, QStringLiteral("cPalette"),
+                  QStringLiteral("Subscript out of range"));
+}
+
+// min / 2 + max / 2 rounded to the nearest integer, ties to even.
+inline int midpoint(int min, int max) {
+    const int sum = min + max;
+    int half = sum >> 1;
+    if ((sum & 1) && (half & 1))
+        ++half;
+    return half;
+}
+
+// A quotient rounded to the nearest integer, ties to even.
+inline std::uint8_t roundedAverage(std::int32_t sum, std::int32_t count) {
+    if (count == 0)
+        throw Failure(11, QStringLiteral("cPalette"), QStringLiteral("Division by zero"));
+    const double value = std::nearbyint(double(sum) / double(count));
+    if (value < 0 || value > 255)
+        throw Failure(6, QStringLiteral("cPalette"), QStringLiteral("Overflow"));
+    return std::uint8_t(value);
+}
+
+inline std::uint8_t clampByte(int value) {
+    return std::uint8_t(value < 0 ? 0 : (value > 255 ? 255 : value));
+}
+
+} // namespace
+
+cPalette::cPalette() = default;
+
+void cPalette::Add(std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
+    entries.push_back({red, green, blue, 0});
+    ++mEntryCount;
+    dropGrid();
+}
+
+const cPalette::Entry& cPalette::entryAt(int index) const {
+    if (index < 1 || index > mEntryCount)
+        raiseSubscript();
+    return entries[std::size_t(index - 1)];
+}
+
+std::uint8_t cPalette::Red(int index) const {
+    return entryAt(index).red;
+}
+std::uint8_t cPalette::Green(int index) const {
+    return entryAt(index).green;
+}
+std::uint8_t cPalette::Blue(int index) const {
+    return entryAt(index).blue;
+}
+
+void cPalette::Clear() {
+    entries.clear();
+    mEntryCount = 0;
+    dropGrid();
+}
+
+void cPalette::EraseNodes() {
+    nodes.clear();
+    freeHead = 0;
+}
+
+int cPalette::ClosestIndexLinear(int red, int green, int blue) const {
+    std::int64_t best = std::numeric_limits<std::int32_t>::max();
+    int bestIndex = 0;
+    for (int i = 0; i < mEntryCount; ++i) {
+        const Entry& e = entries[std::size_t(i)];
+        const std::int64_t dr = red - e.red, dg = green - e.green, db = blue - e.blue;
+        const std::int64_t distance = dr * dr + dg * dg + db * db;
+        if (distance < best) {
+            best = distance;
+            bestIndex = i + 1;
+        }
+    }
+    return bestIndex;
+}
+
+void cPalette::dropGrid() {
+    mGridValid = false;
+}
+
+namespace {
+
+// Appends to `pool` the length and the entries among `from` that can be nearest to some colour
+// of the cube of side `size` at `low`: those whose least distance to the cube is no more than
+// the smallest greatest distance of any of them. `from` is ascending and stays so.
+template <typename Entries>
+void appendCandidates(const Entries& entries, const int low[3], int size, const std::uint16_t* from,
+                      int count, std::vector<std::int32_t>& scratch,
+                      std::vector<std::uint16_t>& pool) {
+    scratch.resize(std::size_t(count));
+    std::int32_t bound = std::numeric_limits<std::int32_t>::max();
+    for (int k = 0; k < count; ++k) {
+        const auto& e = entries[from[k]];
+        const int value[3] = {e.red, e.green, e.blue};
+        std::int32_t near = 0, far = 0;
+        for (int c = 0; c < 3; ++c) {
+            const int lo = low[c], hi = low[c] + size - 1;
+            const int gap = value[c] < lo ? lo - value[c] : (value[c] > hi ? value[c] - hi : 0);
+            near += gap * gap;
+            const int spread = std::max(std::abs(value[c] - lo), std::abs(value[c] - hi));
+            far += spread * spread;
+        }
+        scratch[std::size_t(k)] = near;
+        bound = std::min(bound, far);
+    }
+    const std::size_t start = pool.size();
+    pool.push_back(0);
+    for (int k = 0; k < count; ++k)
+        if (scratch[std::size_t(k)] <= bound)
+            pool.push_back(from[k]);
+    pool[start] = std::uint16_t(pool.size() - start - 1);
+}
+
+constexpr int kCoarseShift = kCellShift + 2;
+constexpr int kCoarsePerChannel = 256 >> kCoarseShift;
+
+} // namespace
+
+std::int32_t cPalette::coarseCandidatesOf(int cell) const {
+    std::int32_t& start = mCoarseStart[std::size_t(cell)];
+    if (start >= 0)
+        return start;
+    const int low[3] = {(cell % kCoarsePerChannel) << kCoarseShift,
+                        ((cell / kCoarsePerChannel) % kCoarsePerChannel) << kCoarseShift,
+                        (cell / (kCoarsePerChannel * kCoarsePerChannel)) << kCoarseShift};
+    start = std::int32_t(mCoarsePool.size());
+    appendCandidates(entries, low, 1 << kCoarseShift, mAllEntries.data(), mEntryCount, mScratch,
+                     mCoarsePool);
+    return start;
+}
+
+std::int32_t cPalette::candidatesOf(int cell) const {
+    if (!mGridValid) {
+        mCellStart.assign(kCellCount, -1);
+        mPool.clear();
+        mCoarseStart.assign(std::size_t(kCoarsePerChannel * kCoarsePerChannel * kCoarsePerChannel),
+                            -1);
+        mCoarsePool.clear();
+        mAllEntries.resize(std::size_t(mEntryCount));
+        for (int i = 0; i < mEntryCount; ++i)
+            mAllEntries[std::size_t(i)] = std::uint16_t(i);
+        mGridValid = true;
+    }
+    std::int32_t& start = mCellStart[std::size_t(cell)];
+    if (start >= 0)
+        return start;
+    const int r = cell % kCellsPerChannel, g = (cell / kCellsPerChannel) % kCellsPerChannel,
+              b = cell / (kCellsPerChannel * kCellsPerChannel);
+    const int low[3] = {r << kCellShift, g << kCellShift, b << kCellShift};
+    // Only entries that can be nearest somewhere in the wider cell around can be nearest here.
+    const int coarse =
+        (r >> 2) + (g >> 2) * kCoarsePerChannel + (b >> 2) * kCoarsePerChannel * kCoarsePerChannel;
+    const std::int32_t from = coarseCandidatesOf(coarse);
+    start = std::int32_t(mPool.size());
+    appendCandidates(entries, low, 1 << kCellShift, mCoarsePool.data() + from + 1,
+                     mCoarsePool[std::size_t(from)], mScratch, mPool);
+    return start;
+}
+
+int cPalette::ClosestIndex(int red, int green, int blue) const {
+    if (mEntryCount == 0)
+        return 0;
+    if (red < 0 || red > 255 || green < 0 || green > 255 || blue < 0 || blue > 255 ||
+        mEntryCount > 65535)
+        return ClosestIndexLinear(red, green, blue);
+    const int cell = (red >> kCellShift) + ((green >> kCellShift) * kCellsPerChannel) +
+                     ((blue >> kCellShift) * kCellsPerChannel * kCellsPerChannel);
+    std::int32_t best = std::numeric_limits<std::int32_t>::max();
+    int bestIndex = 0;
+    const std::int32_t start = candidatesOf(cell);
+    const std::uint16_t* candidate = mPool.data() + start;
+    const int n = *candidate++;
+    for (int k = 0; k < n; ++k) { // ascending, so ties keep the lowest index
+        const int i = candidate[k];
+        const Entry& e = entries[std::size_t(i)];
+        const std::int32_t dr = red - e.red, dg = green - e.green, db = blue - e.blue;
+        const std::int32_t distance = dr * dr + dg * dg + db * db;
+        if (distance < best) {
+            best = distance;
+            bestIndex = i + 1;
+        }
+    }
+    return bestIndex;
+}
+
+std::int32_t cPalette::NewNode() {
+    ++nodesInUse;
+    if (freeHead == 0) {
+        const std::int32_t index = nodesInUse;
+        const std::int32_t upper = std::int32_t(nodes.size()) - 1;
+        if (index > upper) {
+            const auto grown = std::int32_t(std::nearbyint(double(nodesInUse) * 1.1));
+            nodes.resize(std::size_t(std::max(grown, index)) + 1);
+        }
+        return index;
+    }
+    const std::int32_t index = freeHead;
+    PaletteNode& node = nodes[std::size_t(index)];
+    freeHead = node.next;
+    node.children.fill(0);
+    return index;
+}
+
+void cPalette::FreeNode(std::int32_t index) {
+    PaletteNode& node = nodes[std::size_t(index)];
+    node.next = freeHead;
+    freeHead = index;
+    node.isLeaf = false;
+    node.inReducibleList = false;
+    --nodesInUse;
+}
+
+void cPalette::AddColourToTree(std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
+    int redMin = 0, redMax = 255, greenMin = 0, greenMax = 255, blueMin = 0, blueMax = 255;
+    std::int32_t node = 1;
+    for (int level = 1;; ++level) {
+        int slot = 0;
+        int mid = midpoint(redMin, redMax);
+        if (red <= mid) {
+            redMax = mid;
+        } else {
+            redMin = mid;
+            slot |= 1;
+        }
+        mid = midpoint(greenMin, greenMax);
+        if (green <= mid) {
+            greenMax = mid;
+        } else {
+            greenMin = mid;
+            slot |= 2;
+        }
+        mid = midpoint(blueMin, blueMax);
+        if (blue <= mid) {
+            blueMax = mid;
+        } else {
+            blueMin = mid;
+            slot |= 4;
+        }
+
+        std::int32_t child = nodes[std::size_t(node)].children[std::size_t(slot)];
+        if (child == 0) {
+            child = NewNode(); // may move the table
+            nodes[std::size_t(node)].children[std::size_t(slot)] = child;
+            ++nodes[std::size_t(node)].pixelCount;
+            PaletteNode& fresh = nodes[std::size_t(child)];
+            fresh.isLeaf = level == treeDepth;
+            fresh.redSum = fresh.greenSum = fresh.blueSum = 0;
+            fresh.pixelCount = 0;
+            fresh.next = 0;
+        }
+        PaletteNode& c = nodes[std::size_t(child)];
+        if (c.isLeaf) {
+            if (c.pixelCount == 0)
+                ++leafCount;
+            ++c.pixelCount;
+            c.redSum += red;
+            c.greenSum += green;
+            c.blueSum += blue;
+            return;
+        }
+        if (!c.inReducibleList) {
+            if (level > 8)
+                raiseSubscript();
+            c.next = reducibleHeads[std::size_t(level)];
+            reducibleHeads[std::size_t(level)] = child;
+            c.inReducibleList = true;
+        }
+        node = child;
+    }
+}
+
+bool cPalette::ReduceTree() {
+    int level = treeDepth;
+    while (level >= 1 && reducibleHeads[std::size_t(level)] == 0)
+        --level;
+    if (level < 1)
+        return false;
+    const std::int32_t index = reducibleHeads[std::size_t(level)];
+    reducibleHeads[std::size_t(level)] = nodes[std::size_t(index)].next;
+    std::int32_t redTotal = 0, greenTotal = 0, blueTotal = 0, pixelTotal = 0;
+    for (std::int32_t& child : nodes[std::size_t(index)].children) {
+        if (child == 0)
+            continue;
+        const PaletteNode& c = nodes[std::size_t(child)];
+        redTotal += c.redSum;
+        greenTotal += c.greenSum;
+        blueTotal += c.blueSum;
+        pixelTotal += c.pixelCount;
+        FreeNode(child);
+        --leafCount;
+        child = 0;
+    }
+    ++leafCount;
+    PaletteNode& node = nodes[std::size_t(index)];
+    node.redSum = redTotal;
+    node.greenSum = greenTotal;
+    node.blueSum = blueTotal;
+    node.pixelCount = pixelTotal;
+    node.isLeaf = true;
+    return true;
+}
+
+void cPalette::CreateOptimal(cDIBSection& source, cDIBSectionSave* status, int maxColours,
+                             int depth) {
+    const int width = source.Width();
+    const int height = source.Height();
+    const int scan = source.BytesPerScanLine();
+    const std::uint8_t* bits = source.DIBSectionBitsPtr();
+    if (depth < 0 || depth > 255)
+        throw Failure(6, QStringLiteral("cPalette"), QStringLiteral("Overflow"));
+    treeDepth = std::uint8_t(depth);
+    if (status)
+        status->setLineTotal(height);
+
+    nodes.assign(51, PaletteNode{});
+    nodesInUse = 1;
+    freeHead = 0;
+    leafCount = 0;
+
+    if (bits) {
+        for (int y = 0; y < height; ++y) {
+            const std::uint8_t* pixel = bits + std::size_t(y) * std::size_t(scan);
+            for (int x = 0; x < width; ++x, pixel += 3) {
+                AddColourToTree(pixel[2], pixel[1], pixel[0]);
+                bool reduced = true;
+                while (leafCount > maxColours && reduced)
+                    reduced = ReduceTree();
+                if (!reduced &&
+                    MsgBox(QStringLiteral("Error in reducing nodes"), Vb::YesNo) == Vb::No)
+                    std::exit(0);
+            }
+            if (status)
+                status->UpdateStatus(y, width, height, QStringLiteral("Create Palette"), 1);
+        }
+    }
+
+    Clear();
+    for (std::size_t i = 1; i < nodes.size(); ++i) {
+        const PaletteNode& node = nodes[i];
+        if (node.isLeaf)
+            Add(roundedAverage(node.redSum, node.pixelCount),
+                roundedAverage(node.greenSum, node.pixelCount),
+                roundedAverage(node.blueSum, node.pixelCount));
+    }
+}
+
+void cPalette::ApplyPalette(cDIBSection& source, cDIBSection& destination, cDIBSectionSave* status,
+                            bool dither, std::vector<std::uint16_t>* indices) {
+    const int width = destination.Width();
+    const int height = destination.Height();
+    scanWidth = source.BytesPerScanLine();
+    std::uint8_t* in = source.DIBSectionBitsPtr();
+    std::uint8_t* out = destination.DIBSectionBitsPtr();
+    const int lastByte = (width - 1) * 3;
+    if (status)
+        status->setLineTotal(height);
+    if (!in || !out)
+        return;
+    if (source.Width() != width || source.Height() != height)
+        throw Failure(FailureNumber::SubscriptOutOfRange, QStringLiteral("cPalette"),
+                      QStringLiteral("Subscript out of range"));
+
+    if (indices)
+        indices->assign(std::size_t(width) * std::size_t(height), 0);
+    for (int y = 0; y < height; ++y) {
+        std::uint8_t* row = in + std::size_t(y) * std::size_t(scanWidth);
+        std::uint8_t* mapped = out + std::size_t(y) * std::size_t(scanWidth);
+        std::uint8_t* nextRow = row + scanWidth;
+        for (int x = 0; x <= lastByte; x += 3) {
+            const int index = ClosestIndex(row[x + 2], row[x + 1], row[x]);
+            const Entry& e = entryAt(index);
+            if (indices)
+                (*indices)[std::size_t(y) * std::size_t(width) + std::size_t(x / 3)] =
+                    std::uint16_t(index - 1);
+            mapped[x] = e.blue;
+            mapped[x + 1] = e.green;
+            mapped[x + 2] = e.red;
+            if (!dither)
+                continue;
+            const int errRed = row[x + 2] - mapped[x + 2];
+            const int errGreen = row[x + 1] - mapped[x + 1];
+            const int errBlue = row[x] - mapped[x];
+            if (std::abs(errRed) + std::abs(errGreen) + std::abs(errBlue) <= 3)
+                continue;
+            // The red error lands on the neighbour's blue byte and the blue error on its red
+            // byte, on the right and in the next row alike.
+            if (x < lastByte - 3) {
+                row[x + 3] = clampByte(row[x + 3] + errRed * 7 / 16);
+                row[x + 4] = clampByte(row[x + 4] + errGreen * 7 / 16);
+                row[x + 5] = clampByte(row[x + 5] + errBlue * 7 / 16);
+            }
+            if (y < height - 1) {
+                for (int d = -3; d <= 3; d += 3) {
+                    if (!(x + d > 0 && x + d < lastByte))
+                        continue;
+                    const int weight = d == 0 ? 4 : 0;
+                    std::uint8_t* target = nextRow + x + d;
+                    target[0] = clampByte(target[0] + errRed * weight / 16);
+                    target[1] = clampByte(target[1] + errGreen * weight / 16);
+                    target[2] = clampByte(target[2] + errBlue * weight / 16);
+                }
+            }
+        }
+        if (status)
+            status->UpdateStatus(y, width, height, QStringLiteral("Apply Palette"), 2);
+    }
+}

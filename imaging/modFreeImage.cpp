@@ -1,0 +1,206 @@
+#include "imaging/modFreeImage.h"
+
+#include <FreeImage.h>
+#include <QFile>
+#include <cstdarg>
+#include <cstdio>
+#include <dlfcn.h>
+
+namespace {
+
+QString& lastError() {
+    static QString text;
+    return text;
+}
+
+bool& started() {
+    static bool value = false;
+    return value;
+}
+
+const QString kFrom = QStringLiteral("[FreeImage_BMP_From_DIB] ");
+
+void onFreeImageMessage(FREE_IMAGE_FORMAT, const char* message) {
+    RecordFreeImageError(QString::fromLocal8Bit(message ? message : ""), true);
+}
+
+// libtiff's handlers, reached through the library FreeImage loaded.
+using TiffHandler = void (*)(const char* module, const char* format, va_list args);
+using TiffSetHandler = TiffHandler (*)(TiffHandler);
+
+void onTiffWarning(const char*, const char*, va_list) {}
+
+void onTiffError(const char* module, const char* format, va_list args) {
+    char text[512];
+    std::vsnprintf(text, sizeof text, format, args);
+    RecordFreeImageError(QString::fromLocal8Bit(module ? module : "") + QStringLiteral(": ") +
+                             QString::fromLocal8Bit(text),
+                         true);
+}
+
+void silenceTiff() {
+    if (auto setWarning =
+            reinterpret_cast<TiffSetHandler>(dlsym(RTLD_DEFAULT, "TIFFSetWarningHandler")))
+        setWarning(onTiffWarning);
+    if (auto setError =
+            reinterpret_cast<TiffSetHandler>(dlsym(RTLD_DEFAULT, "TIFFSetErrorHandler")))
+        setError(onTiffError);
+}
+
+} // namespace
+
+void RecordFreeImageError(const QString& text, bool keepFirst) {
+    if (keepFirst && !lastError().isEmpty())
+        return;
+    lastError() = text;
+}
+
+QString lastFreeImageError() {
+    return lastError();
+}
+void clearFreeImageError() {
+    lastError().clear();
+}
+
+void InitFreeImage(bool loadLocalPluginsOnly) {
+    FreeImage_Initialise(loadLocalPluginsOnly ? FALSE : TRUE);
+    FreeImage_SetOutputMessage(onFreeImageMessage);
+    silenceTiff();
+    started() = true;
+}
+
+void DeInitFreeImage() {
+    if (!started())
+        return;
+    FreeImage_DeInitialise();
+    started() = false;
+}
+
+void EnsureFreeImage() {
+    if (!started())
+        InitFreeImage(true);
+}
+
+bool FreeImage_BMP_From_DIB(FIBITMAP* dib, QImage& bitmap) {
+    bitmap = QImage();
+    lastError().clear();
+    if (!dib) {
+        RecordFreeImageError(kFrom + QStringLiteral("No DIB specified to convert"), true);
+        return false;
+    }
+    const BITMAPINFOHEADER* header = FreeImage_GetInfoHeader(dib);
+    if (!header) {
+        RecordFreeImageError(
+            kFrom + QStringLiteral("FreeImage_GetInfoHeader failed to get the DIB header"), true);
+        return false;
+    }
+    const BITMAPINFO* info = FreeImage_GetInfo(dib);
+    if (!info) {
+        RecordFreeImageError(kFrom + QStringLiteral("FreeImage_GetInfo failed to get the DIB info"),
+                             true);
+        return false;
+    }
+    const BYTE* bits = FreeImage_GetBits(dib);
+    if (!bits) {
+        RecordFreeImageError(
+            kFrom + QStringLiteral("FreeImage_GetBits failed to get the DIB's bits"), true);
+        return false;
+    }
+
+    // What making a device bitmap from the header, the colour table and the bits gives.
+    auto failCreate = [](int code) {
+        RecordFreeImageError(kFrom +
+                                 QStringLiteral("CreateDIBitmap failed to create the BITMAP "
+                                                "from the DIB reporting error code ") +
+                                 QString::number(code),
+                             true);
+        return false;
+    };
+    const int width = int(header->biWidth);
+    const int rawHeight = int(header->biHeight);
+    const int height = rawHeight < 0 ? -rawHeight : rawHeight;
+    const int bpp = header->biBitCount;
+    if (width <= 0 || height <= 0 || width > 32768 || height > 32768)
+        return failCreate(87);
+    if (bpp != 1 && bpp != 4 && bpp != 8 && bpp != 16 && bpp != 24 && bpp != 32)
+        return failCreate(87);
+    const std::size_t stride = ((std::size_t(width) * std::size_t(bpp) + 31) / 32) * 4;
+
+    QImage picture(width, height, QImage::Format_RGB32);
+    if (picture.isNull())
+        return failCreate(8);
+
+    const RGBQUAD* colours = info->bmiColors;
+    const int colourCount =
+        bpp <= 8
+            ? (header->biClrUsed ? int(std::min<DWORD>(header->biClrUsed, 1u << bpp)) : (1 << bpp))
+            : 0;
+    std::uint32_t masks[3] = {0x7C00, 0x03E0, 0x001F};
+    if (bpp == 16 && header->biCompression == 3 /* BI_BITFIELDS */) {
+        const auto* stored = reinterpret_cast<const DWORD*>(info->bmiColors);
+        masks[0] = stored[0];
+        masks[1] = stored[1];
+        masks[2] = stored[2];
+    }
+    auto scale = [](std::uint32_t value, std::uint32_t mask) -> int {
+        if (!mask)
+            return 0;
+        int shift = 0;
+        while (!(mask & 1)) {
+            mask >>= 1;
+            ++shift;
+        }
+        const std::uint32_t v = (value >> shift) & mask;
+        return int(v * 255 / mask);
+    };
+
+    for (int y = 0; y < height; ++y) {
+        const int stored = rawHeight < 0 ? y : height - 1 - y;
+        const BYTE* in = bits + std::size_t(stored) * stride;
+        auto* out = reinterpret_cast<QRgb*>(picture.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            switch (bpp) {
+            case 1:
+            case 4:
+            case 8: {
+                const int perByte = 8 / bpp;
+                const int shift = (perByte - 1 - x % perByte) * bpp;
+                const int index = (in[x / perByte] >> shift) & ((1 << bpp) - 1);
+                const RGBQUAD c = index < colourCount ? colours[index] : RGBQUAD{0, 0, 0, 0};
+                out[x] = qRgb(c.rgbRed, c.rgbGreen, c.rgbBlue);
+                break;
+            }
+            case 16: {
+                const std::uint32_t v = std::uint32_t(in[2 * x] | in[2 * x + 1] << 8);
+                out[x] = qRgb(scale(v, masks[0]), scale(v, masks[1]), scale(v, masks[2]));
+                break;
+            }
+            case 24:
+                out[x] = qRgb(in[3 * x + 2], in[3 * x + 1], in[3 * x]);
+                break;
+            default:
+                out[x] = qRgb(in[4 * x + 2], in[4 * x + 1], in[4 * x]);
+                break;
+            }
+        }
+    }
+    bitmap = picture;
+    return true;
+}
+
+QImage FreeImageLoadPicture(const QString& path, int formatCode) {
+    EnsureFreeImage();
+    silenceTiff();
+    FIBITMAP* dib =
+        FreeImage_Load(FREE_IMAGE_FORMAT(formatCode), QFile::encodeName(path).constData(), 0);
+    if (!dib) {
+        if (lastError().isEmpty())
+            RecordFreeImageError(QStringLiteral("FreeImage_Load could not read ") + path, true);
+        return {};
+    }
+    QImage picture;
+    const bool converted = FreeImage_BMP_From_DIB(dib, picture);
+    // The converted picture owns its pixels: the FreeImage bitmap is not needed any more.
+    FreeImage_Unload(dib);
+    return converted ? picture : QImage();
+}
