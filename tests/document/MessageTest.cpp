@@ -1,0 +1,168 @@
+#include "DocumentTestSupport.h"
+
+#include "document/clsMessage.h"
+#include "platform/modShared.h"
+
+#include <QFile>
+#include <gtest/gtest.h>
+
+TEST(MessageTest, NewMessageIsTheTemplateWithDeclarationAndEmptySlides) {
+    TestHome home;
+    auto message = newMessage(home, QStringLiteral("First"));
+    EXPECT_EQ(message->serialise(),
+              "<?xml version=\"1.0\" encoding=\"utf-8\"?><ROOT><HEADER><CONTENT version=\"1.0\" "
+              "type=\"Tessaly messages\"/></HEADER><MESSAGE "
+              "name=\"First\"><SLIDES/></MESSAGE></ROOT>");
+    EXPECT_EQ(message->name(), QStringLiteral("First"));
+    EXPECT_EQ(message->Path(), home.file(QStringLiteral("Messages/First/")));
+    ASSERT_NE(message->Slides(), nullptr);
+    EXPECT_EQ(message->Slides()->Count(), 0);
+    EXPECT_TRUE(message->isChanged());
+    EXPECT_EQ(message->DefaultDuration(), 3000);
+    EXPECT_FALSE(message->DOMParent());
+}
+
+TEST(MessageTest, DeclarationIsANodeOfItsOwnAndComesFirst) {
+    TestHome home;
+    auto message = newMessage(home, QStringLiteral("A"));
+    const pugi::xml_node first = message->document().first_child();
+    EXPECT_EQ(first.type(), pugi::node_declaration);
+    EXPECT_STREQ(first.attribute("version").value(), "1.0");
+    EXPECT_STREQ(first.attribute("encoding").value(), "utf-8");
+    EXPECT_EQ(message->serialise().find("<?xml", 1), std::string::npos) << "one declaration only";
+}
+
+TEST(MessageTest, LoadedFileKeepsItsOwnContentAndIsStillChanged) {
+    TestHome home;
+    auto message = messageFromXml(
+        home, QStringLiteral("Folder"),
+        "<ROOT><HEADER/><MESSAGE name=\"Stored\" created=\"yesterday\"><SLIDES><SLIDE "
+        "name=\"Slide\" index=\"1\" dur=\"1500\"><IMAGE url=\"Slide_1\"/><SOUND/><TEXT "
+        "text=\"hi\"/><DRAWOBJECTS><BACKGROUND name=\"background\" "
+        "color=\"255\"/></DRAWOBJECTS></SLIDE></SLIDES></MESSAGE></ROOT>");
+    // The name is the MESSAGE attribute; the folder is the name the message was opened by.
+    EXPECT_EQ(message->name(), QStringLiteral("Stored"));
+    EXPECT_EQ(message->Path(), home.file(QStringLiteral("Messages/Folder/")));
+    EXPECT_EQ(message->Created(), QStringLiteral("yesterday"));
+    EXPECT_TRUE(message->isChanged());
+    ASSERT_EQ(message->Slides()->Count(), 1);
+    EXPECT_EQ(message->Slides()->Item(1)->Duration(), 1500);
+    EXPECT_EQ(message->Slides()->Item(1)->Color(), 255);
+    // A loaded file without a declaration gets none added.
+    EXPECT_EQ(message->serialise().rfind("<ROOT>", 0), 0u);
+}
+
+TEST(MessageTest, MessageWithoutSlidesGetsSlidesAppended) {
+    TestHome home;
+    auto message =
+        messageFromXml(home, QStringLiteral("M"), "<ROOT><HEADER/><MESSAGE name=\"M\"/></ROOT>");
+    ASSERT_NE(message->Slides(), nullptr);
+    EXPECT_EQ(message->Slides()->Count(), 0);
+    EXPECT_EQ(body(*message), "<ROOT><HEADER/><MESSAGE name=\"M\"><SLIDES/></MESSAGE></ROOT>");
+}
+
+TEST(MessageTest, BrokenOrMissingFileGivesAFreshMessage) {
+    TestHome home;
+    for (const QByteArray& broken : {QByteArray("<ROOT><MESSAGE name=\"x\"><SLIDES><SLIDE"),
+                                     QByteArray("\xff\xfe\x00garbage"), QByteArray("")}) {
+        auto message = messageFromXml(home, QStringLiteral("Broken"), broken);
+        ASSERT_NE(message->Slides(), nullptr);
+        EXPECT_EQ(message->Slides()->Count(), 0);
+        EXPECT_EQ(message->name(), QStringLiteral("Broken"));
+        EXPECT_EQ(body(*message),
+                  std::string(kHead) + "<MESSAGE name=\"Broken\"><SLIDES/></MESSAGE></ROOT>");
+    }
+    auto missing = newMessage(home, QStringLiteral("Nowhere"));
+    EXPECT_EQ(missing->Slides()->Count(), 0);
+    // Nothing reached the disk.
+    EXPECT_FALSE(QFile::exists(home.file(QStringLiteral("Messages/Nowhere"))));
+}
+
+TEST(MessageTest, DocumentWithoutRootHasNoSlideCollection) {
+    TestHome home;
+    auto message = messageFromXml(home, QStringLiteral("Other"), "<OTHER><MESSAGE/></OTHER>");
+    EXPECT_EQ(message->Slides(), nullptr);
+    EXPECT_EQ(message->DefaultDuration(), -1);
+    message->setDefaultDuration(5000); // nothing to forward to
+    EXPECT_EQ(message->DefaultDuration(), -1);
+    EXPECT_EQ(message->name(), QString());
+    EXPECT_TRUE(message->isChanged());
+}
+
+TEST(MessageTest, NameWriteMovesThePathAndPathWriteDoesNothing) {
+    TestHome home;
+    auto message = newMessage(home, gUntitledName);
+    message->setName(QStringLiteral("Holiday"));
+    EXPECT_EQ(message->name(), QStringLiteral("Holiday"));
+    EXPECT_EQ(message->Path(), home.file(QStringLiteral("Messages/Holiday/")));
+    message->setPath(QStringLiteral("/somewhere/else/"));
+    EXPECT_EQ(message->Path(), home.file(QStringLiteral("Messages/Holiday/")));
+    message->setCreated(QStringLiteral("2026-01-01"));
+    EXPECT_EQ(body(*message), std::string(kHead) +
+                                  "<MESSAGE name=\"Holiday\" "
+                                  "created=\"2026-01-01\"><SLIDES/></MESSAGE></ROOT>");
+}
+
+TEST(MessageTest, DefaultDurationIsForwardedToTheSlides) {
+    TestHome home;
+    auto message = newMessage(home, QStringLiteral("D"));
+    message->setDefaultDuration(4500);
+    EXPECT_EQ(message->Slides()->DefaultDuration(), 4500);
+    EXPECT_EQ(message->Slides()->Add()->Duration(), 4500);
+}
+
+TEST(MessageTest, DeleteSlideRemovesOnlyAnExistingSlide) {
+    TestHome home;
+    auto message = newMessage(home, QStringLiteral("D"));
+    message->DeleteSlide(1); // empty: nothing happens
+    message->Slides()->Add();
+    message->Slides()->Add();
+    message->DeleteSlide(5);
+    EXPECT_EQ(message->Slides()->Count(), 2);
+    message->DeleteSlide(1);
+    ASSERT_EQ(message->Slides()->Count(), 1);
+    EXPECT_EQ(message->Slides()->Item(1)->Index(), 1);
+}
+
+TEST(MessageTest, CopySlideCopiesValuesAndAppendsDrawObjects) {
+    TestHome home;
+    auto message = newMessage(home, QStringLiteral("C"));
+    auto source = message->Slides()->Add();
+    auto destination = message->Slides()->Add();
+    source->setColor(123);
+    source->setDuration(7000);
+    source->setSoundDuration(6500);
+    QImage picture(4, 3, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    source->setImage(picture);
+    source->setSound(QStringLiteral("/sounds/a.wav"));
+    source->setText(QStringLiteral("one\ntwo"));
+    source->DrawObjects()->setBackPicture(QStringLiteral("/bg.bmp"));
+    source->DrawObjects()->setBackType(QStringLiteral("kind"));
+    clsDrawProperties text;
+    text.name = QStringLiteral("t1");
+    text.typ = QStringLiteral("text");
+    text.Data = QStringLiteral("hello");
+    text.fontName = QStringLiteral("Sans");
+    text.fontSize = 12;
+    source->DrawObjects()->Add(text);
+    clsDrawProperties existing;
+    existing.name = QStringLiteral("keep");
+    existing.typ = QStringLiteral("image");
+    existing.Data = QStringLiteral("/p.png");
+    destination->DrawObjects()->Add(existing);
+
+    message->CopySlide(*destination, *source);
+    EXPECT_EQ(destination->Color(), 123);
+    EXPECT_EQ(destination->Duration(), 7000);
+    EXPECT_EQ(destination->SoundDuration(), 6500);
+    EXPECT_EQ(destination->Image(), picture);
+    EXPECT_EQ(destination->Sound(), QStringLiteral("/sounds/a.wav"));
+    EXPECT_EQ(destination->GetTextAttribute(QStringLiteral("text")),
+              QStringLiteral("one\r\ntwo")); // the copy takes the normalised text
+    EXPECT_EQ(destination->DrawObjects()->BackPicture(), QStringLiteral("/bg.bmp"));
+    EXPECT_EQ(getAttr(destination->DrawObjects()->backgroundElement(), "type"), QString());
+    ASSERT_EQ(destination->DrawObjects()->Count(), 2);
+    EXPECT_EQ(destination->DrawObjects()->Item(1)->name(), QStringLiteral("keep"));
+    EXPECT_EQ(destination->DrawObjects()->Item(2)->GetAllPproperties(), text);
+}
