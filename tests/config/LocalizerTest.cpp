@@ -470,3 +470,29 @@ TEST_F(LocalizerFonts, WindowsFollowTheSystemLocaleNotTheLanguage) {
     localizer.SetThreadLocale(0);
     EXPECT_EQ(localizer.ThreadLocale(), userDefaultLCID());
 }
+
+TEST_F(LocalizerLanguages, DamagedFilesNeverCrashTheLoad) {
+    // Every cut of a real language file either loads (with whatever it holds) or raises the
+    // program's failure; nothing else escapes and the localiser stays usable.
+    const QByteArray whole = TestHome(true).read(QStringLiteral("language/tessaly/en-us.xml"));
+    ASSERT_GT(whole.size(), 1000);
+    clsXMLocalizer localizer(props);
+    int loaded = 0;
+    int refused = 0;
+    for (qsizetype cut = 0; cut < whole.size(); cut += 61) {
+        writeRawLanguage(QStringLiteral("en-us"), whole.left(cut));
+        try {
+            EXPECT_TRUE(localizer.SetLanguage(QStringLiteral("en-us")));
+            ++loaded;
+        } catch (const Failure&) {
+            ++refused;
+        }
+        EXPECT_EQ(localizer.GetString(QStringLiteral("STR_NOT_THERE")),
+                  QStringLiteral("STR_NOT_THERE"));
+    }
+    EXPECT_GT(loaded, 0);
+    writeRawLanguage(QStringLiteral("en-us"), whole);
+    ASSERT_TRUE(localizer.SetLanguage(QStringLiteral("en-us")));
+    EXPECT_EQ(localizer.GetString(QStringLiteral("STR_UNTITLED")), QStringLiteral("Untitled"));
+    RecordProperty("refused", refused);
+}
