@@ -201,21 +201,42 @@ void addControl(QObject* object, QList<QObject*>& out, QSet<QObject*>& seen) {
     out << object;
 }
 
+// A widget that another window lends to this one (the preview player docked into the main
+// window) carries the name of its own window in the dynamic property "ownerForm"; it and its
+// children are not controls of the window it sits in.
+bool isLentByAnotherForm(const QWidget* widget, const QString& formName) {
+    const QString owner = widget->property("ownerForm").toString();
+    return !owner.isEmpty() && owner != formName;
+}
+
 // The controls of a window: its children and their children, the actions of its menus, and its
 // own actions, each once, in creation order.
-void collectControls(QObject* parent, QList<QObject*>& out, QSet<QObject*>& seen) {
+void collectControls(QObject* parent, const QString& formName, QList<QObject*>& out,
+                     QSet<QObject*>& seen) {
     for (QObject* child : parent->children()) {
         if (seen.contains(child))
             continue;
+        auto* widget = qobject_cast<QWidget*>(child);
+        if (widget && isLentByAnotherForm(widget, formName))
+            continue;
         addControl(child, out, seen);
-        if (auto* widget = qobject_cast<QWidget*>(child)) {
+        if (widget) {
             if (walkStopsAt(widget))
                 continue;
             for (QAction* action : widget->actions())
                 addControl(action, out, seen);
         }
-        collectControls(child, out, seen);
+        collectControls(child, formName, out, seen);
     }
+}
+
+// The name of a window or custom control in the language files: the window that lent it, its
+// class name when that is one of the program's window or control classes, else its objectName.
+QString formNameOf(const QWidget* form) {
+    const QString owner = form->property("ownerForm").toString();
+    if (!owner.isEmpty())
+        return owner;
+    return isWindowOrControlClass(form) ? classNameOf(form) : form->objectName();
 }
 
 QList<QObject*> controlsOf(QWidget* form) {
@@ -223,7 +244,7 @@ QList<QObject*> controlsOf(QWidget* form) {
     QSet<QObject*> seen{form};
     for (QAction* action : form->actions())
         addControl(action, out, seen);
-    collectControls(form, out, seen);
+    collectControls(form, formNameOf(form), out, seen);
     return out;
 }
 
@@ -490,7 +511,7 @@ bool clsXMLocalizer::TranslateForm(QWidget* form) {
     QString formName;
     try {
         d->setFormFonts(*this, form);
-        formName = isWindowOrControlClass(form) ? classNameOf(form) : form->objectName();
+        formName = formNameOf(form);
         form->setWindowTitle(GetFormText(formName + QStringLiteral("_caption")));
         controls = controlsOf(form);
     } catch (...) {

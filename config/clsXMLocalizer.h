@@ -30,7 +30,10 @@ public:
     // Sets the title, captions and tool tips of a window or custom control from the form table.
     // The form's name is its class name when that is a window or control class ("frmMain",
     // "ctlMainMenu"), else its objectName. Controls are its children by objectName; a control
-    // array's index is the dynamic property "index".
+    // array's index is the dynamic property "index". Embedded windows and custom controls are
+    // left to their own translation, and so is a piece that another window lends (a widget with
+    // the dynamic property "ownerForm" naming that window; translating the piece itself uses
+    // that name).
     bool TranslateForm(QWidget* form);
     QString GetString(const QString& key) const;
     QString GetStringPar(const QString& key, const QStringList& params) const;

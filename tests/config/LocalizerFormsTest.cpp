@@ -205,6 +205,23 @@ TEST_F(LocalizerForms, CustomControlTranslatesUnderItsClassName) {
     EXPECT_EQ(sample->label->text(), QString()); // no entry for it
 }
 
+TEST_F(LocalizerForms, PiecesLentByAnotherWindowKeepTheirTexts) {
+    auto* player = make<QWidget>(QStringLiteral("picPreviewPlayer"));
+    player->setProperty("ownerForm", QStringLiteral("ctlSample"));
+    auto* play = new QPushButton(QStringLiteral("Play"), player);
+    play->setObjectName(QStringLiteral("cmdOk"));
+    play->setToolTip(QStringLiteral("Play tip"));
+    ASSERT_TRUE(localizer->TranslateForm(&form));
+    EXPECT_EQ(play->text(), QStringLiteral("Play"));
+    EXPECT_EQ(play->toolTip(), QStringLiteral("Play tip"));
+    EXPECT_EQ(cmdOk->text(), QStringLiteral("&OK"));
+
+    // The lending window translates the piece under its own name.
+    play->setObjectName(QStringLiteral("cmdInner"));
+    ASSERT_TRUE(localizer->TranslateForm(player));
+    EXPECT_EQ(play->text(), QStringLiteral("Inner"));
+}
+
 TEST_F(LocalizerForms, WindowWithoutEntriesGetsEmptyTexts) {
     QWidget other;
     other.setObjectName(QStringLiteral("frmUnknown"));
