@@ -270,13 +270,13 @@ QImage mainSkin() {
     band.setColorAt(1, QColor(0xea, 0xee, 0xf6));
     p.fillRect(QRectF(42, 44, 596, 28), band);
     p.fillRect(QRectF(42, 71, 596, 1), QColor(0xd0, 0xd7, 0xe4));
-    p.fillRect(QRectF(54, 55, 4, 10), kAmber);
     p.restore();
     // the tool pages' place
     p.setPen(QPen(QColor(0xd6, 0xdc, 0xe8), 1, Qt::DashLine));
     p.drawPath(rounded(QRectF(71.5, 73.5, 361, 253), 6));
     // the slide canvas: a dark mat with a fine light frame
-    p.fillPath(rounded(QRectF(444, 66, 176, 136), 7), QColor(0x2a, 0x33, 0x48));
+    shadow(p, QRectF(446, 68, 172, 132), 6, 3);
+    p.fillPath(rounded(QRectF(446, 68, 172, 132), 6), QColor(0x2e, 0x38, 0x50));
     p.fillRect(QRect(451, 73, 162, 122), QColor(0x44, 0x50, 0x6a));
     p.fillRect(QRect(452, 74, 160, 120), Qt::white);
     // the text field and the details strip
