@@ -82,6 +82,19 @@ void GifLzwCoder::WriteCode(int code) {
     }
 }
 
+void GifLzwCoder::FinishStream() {
+    auto widen = [this] {
+        ++mCodeSize;
+        mCodeLimit = 1 << mCodeSize;
+    };
+    if (mNextCode == mCodeLimit + 1 && mCodeSize < 12)
+        widen();
+    WriteCode(pendingCode);
+    if (mNextCode == mCodeLimit && mCodeSize < 12)
+        widen();
+    WriteCode(mEndCode);
+}
+
 void GifLzwCoder::WriteBlockByte(int value) {
     auto flush = [this] {
         mOut.push_back(std::uint8_t(blockCount));

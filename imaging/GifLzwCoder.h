@@ -19,6 +19,10 @@ public:
     // The code of the pixels matched so far.
     int Flush() const { return pendingCode; }
     void WriteCode(int code);
+    // Writes the code of the pending pixels and the end code, each as wide as a decoder reads
+    // it: a decoder widens its codes one code later than the coder, which matters only when the
+    // stream stops just there.
+    void FinishStream();
     void WriteBlockByte(int value);
     void ResetTable();
 

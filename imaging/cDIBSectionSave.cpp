@@ -331,8 +331,7 @@ void cDIBSectionSave::writeStream(std::vector<std::uint8_t>& out, const IndexedB
         if (pumpEvents)
             QCoreApplication::processEvents();
     }
-    coder.WriteCode(coder.Flush());
-    coder.WriteCode(coder.endCode());
+    coder.FinishStream();
 
     // WriteCommentExtension
     out.push_back(33);

@@ -292,6 +292,8 @@ void cPalette::AddColourToTree(std::uint8_t red, std::uint8_t green, std::uint8_
 }
 
 bool cPalette::ReduceTree() {
+    if (treeDepth > 8)
+        raiseSubscript(); // the lists run from level 1 to 8
     int level = treeDepth;
     while (level >= 1 && reducibleHeads[std::size_t(level)] == 0)
         --level;
