@@ -1,5 +1,6 @@
 #include "controls/ctlMainMenu.h"
 
+#include "config/clsXMLocalizer.h"
 #include "controls/modSkin.h"
 #include "platform/modText.h"
 
@@ -49,6 +50,12 @@ const char* const kMenuDefaults[ctlMainMenu::kMenuCount] = {"File", "Slide", "He
 
 constexpr int kLabelGap = 8;
 
+// The text of `key` from the localiser, or from the program's text look-up without one.
+QString textOf(const clsXMLocalizer* localizer, const char* key) {
+    const QString name = QString::fromLatin1(key);
+    return localizer ? localizer->GetString(name) : localText(name);
+}
+
 } // namespace
 
 ctlMainMenu::ctlMainMenu(QWidget* parent) : QWidget(parent), mPopup(new clsPopupMenu) {
@@ -82,14 +89,16 @@ ctlMainMenu::~ctlMainMenu() {
     delete mPopup;
 }
 
-void ctlMainMenu::TranslateControl(clsXMLocalizer*) {
+void ctlMainMenu::TranslateControl(clsXMLocalizer* localizer) {
+    if (localizer)
+        localizer->ChangeCharSetUsrCtrl({mLabels.begin(), mLabels.end()});
     for (int i = 0; i < kMenuCount; ++i) {
-        mLabels[i]->setText(localText(QString::fromLatin1(kMenuKeys[i])));
+        mLabels[i]->setText(textOf(localizer, kMenuKeys[i]));
         mLabels[i]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     }
     for (int key = 0; key < kItemCount; ++key)
         if (*kCaptionKeys[key])
-            mCaptions[key] = localText(QString::fromLatin1(kCaptionKeys[key]));
+            mCaptions[key] = textOf(localizer, kCaptionKeys[key]);
     placeLabels();
     rebuildStrings();
 }

@@ -1,5 +1,6 @@
 #include "controls/ctlVerticalTab.h"
 
+#include "config/clsXMLocalizer.h"
 #include "controls/modSkin.h"
 #include "platform/modText.h"
 
@@ -112,9 +113,16 @@ void ctlVerticalTab::SetTab(int index) {
     ImgClick_Click(index);
 }
 
-void ctlVerticalTab::TranslateControl(clsXMLocalizer*) {
+void ctlVerticalTab::TranslateControl(clsXMLocalizer* localizer) {
+    if (localizer) {
+        QList<QWidget*> children;
+        for (QWidget* child : findChildren<QWidget*>())
+            children << child;
+        localizer->ChangeCharSetUsrCtrl(children);
+    }
     for (int i = 0; i < kTabCount; ++i) {
-        const QString tip = localText(QString::fromLatin1(kTooltipKeys[i]));
+        const QString key = QString::fromLatin1(kTooltipKeys[i]);
+        const QString tip = localizer ? localizer->GetString(key) : localText(key);
         mImgTab[i]->setToolTip(tip);
         mImgIcon[i]->setToolTip(tip);
         mImgClick[i]->setToolTip(tip);

@@ -1,5 +1,7 @@
 #include "controls/frmAbout.h"
 
+#include "config/clsXMLocalizer.h"
+#include "config/modConfig.h"
 #include "controls/GrButtonIII.h"
 #include "controls/clsWindowShrink.h"
 #include "controls/modSkin.h"
@@ -52,8 +54,11 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui::f
     mTitleHome = ui->lblTitle->pos();
 
     // Form_Load
+    if (gLocalizer)
+        gLocalizer->TranslateForm(this);
     ui->lblVersion->setText(AppVersionText());
-    ui->lblTitle->setText(AppProductName());
+    ui->lblTitle->setText(gLocalizer ? gLocalizer->GetString(QStringLiteral("APP_PRODUCTNAME"))
+                                     : AppProductName());
     ui->lblDisclaimer->setText(AppLegalText());
 }
 

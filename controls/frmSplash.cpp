@@ -1,5 +1,7 @@
 #include "controls/frmSplash.h"
 
+#include "config/clsXMLocalizer.h"
+#include "config/modConfig.h"
 #include "controls/clsWindowShrink.h"
 #include "controls/modSkin.h"
 #include "controls/modTitleBar.h"
@@ -97,6 +99,8 @@ bool frmSplash::Shrinking() const {
 }
 
 void frmSplash::TranslateForm() {
+    if (gLocalizer)
+        gLocalizer->TranslateForm(this);
     ui->lblVersion->setText(AppVersionText());
 }
 
