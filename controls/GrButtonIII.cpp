@@ -84,6 +84,27 @@ QPixmap GrButtonIII::DefaultFace(Face face) {
     return fromFile.isNull() ? drawnFace(face) : fromFile;
 }
 
+bool GrButtonIII::setCaptionLook(const QString& glyph) {
+    const char* const files[3] = {"caption_normal.png", "caption_hot.png", "caption_pressed.png"};
+    for (int face = FaceNormal; face <= FacePressed; ++face) {
+        QPixmap picture = resourcePicture(QString::fromLatin1(files[face]));
+        if (picture.isNull()) { // a plain see-through face
+            picture = QPixmap(16, 16);
+            picture.fill(face == FaceNormal ? QColor(Qt::transparent)
+                                            : QColor(255, 255, 255, face == FaceHot ? 50 : 110));
+        }
+        mFaces[face] = picture;
+    }
+    mFaces[FaceDisabled] = mFaces[FaceNormal];
+    setFaceBorder(4);
+    setFocusPolicy(Qt::NoFocus);
+    const QPixmap icon = resourcePicture(QStringLiteral("title_%1.png").arg(glyph));
+    setIcon(QIcon(icon));
+    setIconSize(icon.isNull() ? QSize(16, 16) : icon.size());
+    update();
+    return !icon.isNull();
+}
+
 void GrButtonIII::setFacePicture(Face face, const QPixmap& picture) {
     mFaces[face] = picture;
     update();

@@ -34,6 +34,11 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
+    // The look of a small button on the dark caption bar: see-through when resting, a light
+    // glow under the mouse, amber when pressed, with the white glyph resources/title_<glyph>.png
+    // ("close", "minimize", "dock", "undock"). Returns false when the skin lacks the glyph.
+    bool setCaptionLook(const QString& glyph);
+
     // The skin's default face of a state: resources/button_<state>.png of the application
     // folder, or a drawn face when the file is missing.
     static QPixmap DefaultFace(Face face);

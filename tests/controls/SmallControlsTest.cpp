@@ -276,3 +276,26 @@ TEST(GrButton, TextIsAPropertyForTheLocaliser) {
     QTest::mouseClick(&button, Qt::LeftButton);
     EXPECT_EQ(clicks.size(), 1);
 }
+
+TEST(GrButton, CaptionLookFromTheShippedSkin) {
+    TestHome home(/*withData=*/true);
+    GrButtonIII button;
+    button.resize(16, 16);
+    EXPECT_TRUE(button.setCaptionLook(QStringLiteral("close")));
+    EXPECT_FALSE(button.icon().isNull());
+    // The white cross of the glyph meets in the middle.
+    const QImage resting = button.grab().toImage();
+    EXPECT_GT(resting.pixelColor(8, 8).lightness(), 200);
+    button.setPressed(true);
+    EXPECT_NE(button.grab().toImage(), resting);
+    EXPECT_FALSE(button.setCaptionLook(QStringLiteral("no-such-glyph")));
+}
+
+TEST(GrButton, SkinFacesComeFromTheApplicationFolder) {
+    TestHome home(/*withData=*/true);
+    const QImage shipped(home.file(QStringLiteral("resources/button_hot.png")));
+    ASSERT_FALSE(shipped.isNull());
+    EXPECT_EQ(
+        GrButtonIII::DefaultFace(GrButtonIII::FaceHot).toImage().convertToFormat(shipped.format()),
+        shipped);
+}
