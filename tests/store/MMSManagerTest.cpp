@@ -1,6 +1,7 @@
 #include "config/clsPropertiesXML.h"
 #include "config/modConfig.h"
 #include "document/clsMessage.h"
+#include "platform/Failure.h"
 #include "platform/modDialogs.h"
 #include "platform/modShared.h"
 #include "store/clsMMSManager.h"
@@ -246,4 +247,71 @@ TEST(MMSManagerTest, SavePictureBoxImageWritesTheChosenForm) {
     EXPECT_EQ(QImage(stem + QStringLiteral("bmp")).pixelColor(3, 3), QColor(Qt::blue));
     EXPECT_TRUE(store.manager.SavePictureBoxImage(stem + QStringLiteral("x"), filled(Qt::blue), 2));
     EXPECT_FALSE(QImage(stem + QStringLiteral("gif")).isNull());
+}
+
+// Damaged documents of every kind open without a crash: each value either reads or raises the
+// program's failure, never anything worse.
+TEST(MMSManagerTest, DamagedDocumentsOpenWithoutACrash) {
+    Store store;
+    auto message = store.manager.CreateMsg(QStringLiteral("Seed"));
+    for (int i = 0; i < 3; ++i) {
+        auto slide = message->Slides()->Add();
+        slide->setText(QStringLiteral("text %1").arg(i));
+        slide->setSound(QStringLiteral("/s.wav"));
+        clsDrawProperties p;
+        p.name = QStringLiteral("o");
+        p.typ = i == 1 ? QStringLiteral("image") : QStringLiteral("text");
+        p.Data = QStringLiteral("data");
+        slide->DrawObjects()->Add(p);
+    }
+    ASSERT_TRUE(message->SaveMessage());
+    const QByteArray original = store.home.read(QStringLiteral("Messages/Seed/message.xml"));
+    std::uint32_t seed = 12345;
+    auto next = [&seed] {
+        seed = seed * 1664525u + 1013904223u;
+        return seed >> 8;
+    };
+    int opened = 0;
+    for (int round = 0; round < 300; ++round) {
+        QByteArray damaged = original;
+        const int edits = 1 + static_cast<int>(next() % 4);
+        for (int e = 0; e < edits && !damaged.isEmpty(); ++e) {
+            const int at = static_cast<int>(next() % static_cast<std::uint32_t>(damaged.size()));
+            switch (next() % 3) {
+            case 0:
+                damaged[at] = static_cast<char>(next() & 0xff);
+                break;
+            case 1:
+                damaged.remove(at, 1 + static_cast<int>(next() % 12));
+                break;
+            default:
+                damaged.insert(at, damaged.mid(static_cast<int>(next() % damaged.size()), 8));
+                break;
+            }
+        }
+        store.home.write(QStringLiteral("Messages/Seed/message.xml"), damaged);
+        auto copy = store.manager.OpenMsg(QStringLiteral("Seed"));
+        ASSERT_TRUE(copy);
+        if (!copy->Slides())
+            continue;
+        ++opened;
+        for (const auto& slide : *copy->Slides()) {
+            try {
+                (void)slide->Text();
+                (void)slide->Sound();
+                (void)slide->Duration();
+                (void)slide->SoundDuration();
+                (void)slide->Color();
+                (void)slide->ImageFile();
+                for (const auto& object : *slide->DrawObjects())
+                    (void)object->GetAllPproperties();
+            } catch (const Failure&) {
+                // a value that is not a number: the program's own failure
+            }
+        }
+        copy->Slides()->Add();
+        if (copy->Slides()->Count() > 1)
+            copy->Slides()->Remove(1);
+    }
+    EXPECT_GT(opened, 0);
 }
