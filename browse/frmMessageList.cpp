@@ -1,4 +1,5 @@
 #include "browse/frmMessageList.h"
+#include "ui_frmMessageList.h"
 
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
@@ -18,15 +19,6 @@
 #include <algorithm>
 
 namespace {
-// Geometry of the window, in pixels.
-constexpr int kMargin = 12;
-constexpr int kWidth = 420;
-constexpr int kListTop = 34;
-constexpr int kButtonTop = 304;
-constexpr int kButtonWidth = 88;
-constexpr int kButtonHeight = 30;
-constexpr int kHeight = kButtonTop + kButtonHeight + kMargin;
-
 const char* const kTabStopsProperty = "tabStops";
 
 // Draws an entry's tab-separated fields at the list's tab stops.
@@ -109,36 +101,26 @@ const QString& frmMessageList::illegalCharacters() {
 }
 
 frmMessageList::frmMessageList(clsMMSManager* manager, QWidget* parent)
-    : QDialog(parent), mManager(manager) {
-    setObjectName(QStringLiteral("frmMessageList"));
-    setFixedSize(kWidth, kHeight);
+    : QDialog(parent), mUi(std::make_unique<Ui::frmMessageList>()), mManager(manager) {
+    mUi->setupUi(this);
+    setFixedSize(size());
     setWindowFlags(windowFlags() & ~Qt::WindowContextHelpButtonHint);
+    lblTitle = mUi->lblTitle;
+    lstMsg = mUi->lstMsg;
+    lblMsgName = mUi->lblMsgName;
+    txtName = mUi->txtName;
+    lblIllegalChar = mUi->lblIllegalChar;
+    cmdOpen = mUi->cmdOpen;
+    cmdCancel = mUi->cmdCancel;
+    mListGeometry = lstMsg->geometry();
+    mTitleText = lblTitle->text();
 
-    lblTitle = new QLabel(tr("Messages:"), this);
-    lblTitle->setObjectName(QStringLiteral("lblTitle"));
-    lstMsg = new QListWidget(this);
-    lstMsg->setObjectName(QStringLiteral("lstMsg"));
     lstMsg->setItemDelegate(new TabStopDelegate(lstMsg));
-    lstMsg->setUniformItemSizes(true);
-    lstMsg->setAlternatingRowColors(true);
-    lblMsgName = new QLabel(tr("Name:"), this);
-    lblMsgName->setObjectName(QStringLiteral("lblMsgName"));
-    txtName = new QLineEdit(this);
-    txtName->setObjectName(QStringLiteral("txtName"));
-    txtName->setMaxLength(200);
     txtName->installEventFilter(this);
-    lblMsgName->setBuddy(txtName);
-    lblIllegalChar = new QLabel(this);
-    lblIllegalChar->setObjectName(QStringLiteral("lblIllegalChar"));
     lblIllegalChar->setAttribute(Qt::WA_TransparentForMouseEvents);
     QPalette warning = lblIllegalChar->palette();
     warning.setColor(QPalette::WindowText, QColor(0xb0, 0x20, 0x20));
     lblIllegalChar->setPalette(warning);
-    cmdOpen = new QPushButton(tr("Open"), this);
-    cmdOpen->setObjectName(QStringLiteral("cmdOpen"));
-    cmdOpen->setDefault(true);
-    cmdCancel = new QPushButton(tr("Cancel"), this);
-    cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
 
     connect(txtName, &QLineEdit::textChanged, this, &frmMessageList::txtName_Change);
     connect(lstMsg, &QListWidget::itemClicked, this, &frmMessageList::lstMsg_Click);
@@ -151,24 +133,9 @@ frmMessageList::frmMessageList(clsMMSManager* manager, QWidget* parent)
     connect(lstMsg, &QListWidget::itemDoubleClicked, this, &frmMessageList::lstMsg_DblClick);
     connect(cmdOpen, &QPushButton::clicked, this, &frmMessageList::cmdOpen_Click);
     connect(cmdCancel, &QPushButton::clicked, this, &frmMessageList::cmdCancel_Click);
-
-    placeControls();
 }
 
 frmMessageList::~frmMessageList() = default;
-
-void frmMessageList::placeControls() {
-    const int inner = kWidth - 2 * kMargin;
-    lblTitle->setGeometry(kMargin, 10, inner, 20);
-    lstMsg->setGeometry(kMargin, kListTop, inner, 180);
-    lblMsgName->setGeometry(kMargin, 222, inner, 20);
-    txtName->setGeometry(kMargin, 244, inner, 26);
-    lblIllegalChar->setGeometry(kMargin, 274, inner, 20);
-    cmdCancel->setGeometry(kWidth - kMargin - kButtonWidth, kButtonTop, kButtonWidth,
-                           kButtonHeight);
-    cmdOpen->setGeometry(kWidth - kMargin - 2 * kButtonWidth - 8, kButtonTop, kButtonWidth,
-                         kButtonHeight);
-}
 
 QString frmMessageList::textOf(const QString& key) const {
     return gLocalizer ? gLocalizer->GetString(key) : localText(key);
@@ -196,7 +163,8 @@ QString frmMessageList::firstField(const QString& entry) {
 
 void frmMessageList::Form_Load() {
     mEnded = false;
-    placeControls();
+    lstMsg->setGeometry(mListGeometry);
+    lblTitle->setText(mTitleText);
     lblMsgName->show();
     txtName->show();
     {

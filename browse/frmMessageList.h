@@ -2,7 +2,9 @@
 
 #include <QDialog>
 #include <QList>
+#include <QRect>
 #include <QString>
+#include <memory>
 
 class QLabel;
 class QLineEdit;
@@ -10,6 +12,9 @@ class QListWidget;
 class QListWidgetItem;
 class QPushButton;
 class clsMMSManager;
+namespace Ui {
+class frmMessageList;
+}
 
 // One dialog for four jobs on the stored messages: open one, name a new one, save under a name,
 // delete several. It lists the store's messages and hands the choice to its owner through
@@ -53,14 +58,16 @@ private slots:
 
 private:
     void Form_Load();
-    void placeControls();
     void end(int mode, const QString& name);
     void unload(int result);
     bool listHolds(const QString& name) const;
     static QString firstField(const QString& entry);
     QString textOf(const QString& key) const;
 
+    std::unique_ptr<Ui::frmMessageList> mUi;
     clsMMSManager* mManager = nullptr;
+    QRect mListGeometry; // as designed; the delete mode stretches the list
+    QString mTitleText;  // the caption of lblTitle when no language is loaded
     int mMode = Open;
     bool mEnded = false;
     bool mTrimming = false;

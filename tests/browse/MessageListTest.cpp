@@ -139,6 +139,7 @@ TEST_F(MessageListTest, DeleteModeHidesTheNameAndStretchesTheList) {
     open(frmMessageList::Open);
     EXPECT_TRUE(name->isVisible());
     EXPECT_LT(list->geometry().bottom(), name->geometry().top());
+    EXPECT_EQ(title->text(), QStringLiteral("Messages:"));
 }
 
 TEST_F(MessageListTest, IllegalCharactersAreRefusedWithAMessage) {
