@@ -134,6 +134,10 @@ TEST_F(MessageListTest, DeleteModeHidesTheNameAndStretchesTheList) {
     EXPECT_FALSE(nameLabel->isVisible());
     EXPECT_EQ(title->text(), QStringLiteral("STR_DLGMSG_TITLE"));
     EXPECT_EQ(list->geometry().height(), ok->geometry().top() - list->geometry().top() - 4);
+    const QByteArray folder = qgetenv("TESSALY_SCREENSHOT_DIR");
+    if (!folder.isEmpty())
+        dialog->grab().save(QString::fromLocal8Bit(folder) +
+                            QStringLiteral("/frmMessageList-delete.png"));
     // Back in another mode the name box returns and the list shrinks again.
     dialog->hide();
     open(frmMessageList::Open);
