@@ -102,41 +102,62 @@ void cPalette::dropGrid() {
 
 namespace {
 
-// Appends to `pool` the length and the entries among `from` that can be nearest to some colour
-// of the cube of side `size` at `low`: those whose least distance to the cube is no more than
-// the smallest greatest distance of any of them. `from` is ascending and stays so.
-template <typename Entries>
-void appendCandidates(const Entries& entries, const int low[3], int size, const std::uint16_t* from,
-                      int count, std::vector<std::int32_t>& scratch,
-                      std::vector<std::uint16_t>& pool) {
-    scratch.resize(std::size_t(count));
-    std::int32_t bound = std::numeric_limits<std::int32_t>::max();
-    for (int k = 0; k < count; ++k) {
-        const auto& e = entries[from[k]];
-        const int value[3] = {e.red, e.green, e.blue};
-        std::int32_t near = 0, far = 0;
-        for (int c = 0; c < 3; ++c) {
-            const int lo = low[c], hi = low[c] + size - 1;
-            const int gap = value[c] < lo ? lo - value[c] : (value[c] > hi ? value[c] - hi : 0);
-            near += gap * gap;
-            const int spread = std::max(std::abs(value[c] - lo), std::abs(value[c] - hi));
-            far += spread * spread;
-        }
-        scratch[std::size_t(k)] = near;
-        bound = std::min(bound, far);
-    }
-    const std::size_t start = pool.size();
-    pool.push_back(0);
-    for (int k = 0; k < count; ++k)
-        if (scratch[std::size_t(k)] <= bound)
-            pool.push_back(from[k]);
-    pool[start] = std::uint16_t(pool.size() - start - 1);
-}
-
-constexpr int kCoarseShift = kCellShift + 2;
+constexpr int kCoarseStep = 2; // a coarse cell is 2 ^ kCoarseStep cells wide
+constexpr int kCoarseShift = kCellShift + kCoarseStep;
 constexpr int kCoarsePerChannel = 256 >> kCoarseShift;
 
+// Picks among the `count` entries given by their channels the ones that can be nearest to some
+// colour of the cube of side `size` at `low`: those whose least distance to the cube is no more
+// than the smallest greatest distance of any of them. Hands their positions, in order, to
+// `take`. The first loop runs over plain arrays so that the compiler can vectorise it.
+template <typename Take>
+void selectCandidates(const std::int32_t* red, const std::int32_t* green, const std::int32_t* blue,
+                      int count, const int low[3], int size, std::vector<std::int32_t>& scratch,
+                      Take take) {
+    scratch.resize(std::size_t(count));
+    std::int32_t* least = scratch.data();
+    const int lo0 = low[0], lo1 = low[1], lo2 = low[2];
+    const int hi0 = lo0 + size - 1, hi1 = lo1 + size - 1, hi2 = lo2 + size - 1;
+    std::int32_t bound = std::numeric_limits<std::int32_t>::max();
+    for (int k = 0; k < count; ++k) {
+        const int r = red[k], g = green[k], b = blue[k];
+        const int gapR = std::max(lo0 - r, 0) + std::max(r - hi0, 0);
+        const int gapG = std::max(lo1 - g, 0) + std::max(g - hi1, 0);
+        const int gapB = std::max(lo2 - b, 0) + std::max(b - hi2, 0);
+        const int spreadR = std::max(r - lo0, hi0 - r);
+        const int spreadG = std::max(g - lo1, hi1 - g);
+        const int spreadB = std::max(b - lo2, hi2 - b);
+        least[k] = gapR * gapR + gapG * gapG + gapB * gapB;
+        bound = std::min(bound, spreadR * spreadR + spreadG * spreadG + spreadB * spreadB);
+    }
+    for (int k = 0; k < count; ++k)
+        if (least[k] <= bound)
+            take(k);
+}
+
 } // namespace
+
+void cPalette::prepareGrid() const {
+    mCellStart.assign(kCellCount, -1);
+    mPool.clear();
+    const std::size_t coarseCells =
+        std::size_t(kCoarsePerChannel * kCoarsePerChannel * kCoarsePerChannel);
+    mCoarseStart.assign(coarseCells, -1);
+    mCoarseCount.assign(coarseCells, 0);
+    mCoarseRed.clear();
+    mCoarseGreen.clear();
+    mCoarseBlue.clear();
+    mCoarseIndex.clear();
+    mAllRed.resize(std::size_t(mEntryCount));
+    mAllGreen.resize(std::size_t(mEntryCount));
+    mAllBlue.resize(std::size_t(mEntryCount));
+    for (int i = 0; i < mEntryCount; ++i) {
+        mAllRed[std::size_t(i)] = entries[std::size_t(i)].red;
+        mAllGreen[std::size_t(i)] = entries[std::size_t(i)].green;
+        mAllBlue[std::size_t(i)] = entries[std::size_t(i)].blue;
+    }
+    mGridValid = true;
+}
 
 std::int32_t cPalette::coarseCandidatesOf(int cell) const {
     std::int32_t& start = mCoarseStart[std::size_t(cell)];
@@ -145,24 +166,21 @@ std::int32_t cPalette::coarseCandidatesOf(int cell) const {
     const int low[3] = {(cell % kCoarsePerChannel) << kCoarseShift,
                         ((cell / kCoarsePerChannel) % kCoarsePerChannel) << kCoarseShift,
                         (cell / (kCoarsePerChannel * kCoarsePerChannel)) << kCoarseShift};
-    start = std::int32_t(mCoarsePool.size());
-    appendCandidates(entries, low, 1 << kCoarseShift, mAllEntries.data(), mEntryCount, mScratch,
-                     mCoarsePool);
+    start = std::int32_t(mCoarseIndex.size());
+    selectCandidates(mAllRed.data(), mAllGreen.data(), mAllBlue.data(), mEntryCount, low,
+                     1 << kCoarseShift, mScratch, [this](int k) {
+                         mCoarseRed.push_back(mAllRed[std::size_t(k)]);
+                         mCoarseGreen.push_back(mAllGreen[std::size_t(k)]);
+                         mCoarseBlue.push_back(mAllBlue[std::size_t(k)]);
+                         mCoarseIndex.push_back(std::uint16_t(k));
+                     });
+    mCoarseCount[std::size_t(cell)] = std::int32_t(mCoarseIndex.size()) - start;
     return start;
 }
 
 std::int32_t cPalette::candidatesOf(int cell) const {
-    if (!mGridValid) {
-        mCellStart.assign(kCellCount, -1);
-        mPool.clear();
-        mCoarseStart.assign(std::size_t(kCoarsePerChannel * kCoarsePerChannel * kCoarsePerChannel),
-                            -1);
-        mCoarsePool.clear();
-        mAllEntries.resize(std::size_t(mEntryCount));
-        for (int i = 0; i < mEntryCount; ++i)
-            mAllEntries[std::size_t(i)] = std::uint16_t(i);
-        mGridValid = true;
-    }
+    if (!mGridValid)
+        prepareGrid();
     std::int32_t& start = mCellStart[std::size_t(cell)];
     if (start >= 0)
         return start;
@@ -170,31 +188,36 @@ std::int32_t cPalette::candidatesOf(int cell) const {
               b = cell / (kCellsPerChannel * kCellsPerChannel);
     const int low[3] = {r << kCellShift, g << kCellShift, b << kCellShift};
     // Only entries that can be nearest somewhere in the wider cell around can be nearest here.
-    const int coarse =
-        (r >> 2) + (g >> 2) * kCoarsePerChannel + (b >> 2) * kCoarsePerChannel * kCoarsePerChannel;
+    const int coarse = (r >> kCoarseStep) + (g >> kCoarseStep) * kCoarsePerChannel +
+                       (b >> kCoarseStep) * kCoarsePerChannel * kCoarsePerChannel;
     const std::int32_t from = coarseCandidatesOf(coarse);
+    const int count = mCoarseCount[std::size_t(coarse)];
     start = std::int32_t(mPool.size());
-    appendCandidates(entries, low, 1 << kCellShift, mCoarsePool.data() + from + 1,
-                     mCoarsePool[std::size_t(from)], mScratch, mPool);
+    mPool.push_back(0);
+    const std::uint16_t* index = mCoarseIndex.data() + from;
+    selectCandidates(mCoarseRed.data() + from, mCoarseGreen.data() + from,
+                     mCoarseBlue.data() + from, count, low, 1 << kCellShift, mScratch,
+                     [this, index](int k) { mPool.push_back(index[k]); });
+    mPool[std::size_t(start)] = std::uint16_t(mPool.size() - std::size_t(start) - 1);
     return start;
 }
 
-int cPalette::ClosestIndex(int red, int green, int blue) const {
-    if (mEntryCount == 0)
-        return 0;
-    if (red < 0 || red > 255 || green < 0 || green > 255 || blue < 0 || blue > 255 ||
-        mEntryCount > 65535)
-        return ClosestIndexLinear(red, green, blue);
+int cPalette::nearestOfBytes(int red, int green, int blue) const {
     const int cell = (red >> kCellShift) + ((green >> kCellShift) * kCellsPerChannel) +
                      ((blue >> kCellShift) * kCellsPerChannel * kCellsPerChannel);
-    std::int32_t best = std::numeric_limits<std::int32_t>::max();
-    int bestIndex = 0;
-    const std::int32_t start = candidatesOf(cell);
+    if (!mGridValid)
+        prepareGrid();
+    std::int32_t start = mCellStart[std::size_t(cell)];
+    if (start < 0)
+        start = candidatesOf(cell);
     const std::uint16_t* candidate = mPool.data() + start;
     const int n = *candidate++;
+    const Entry* table = entries.data();
+    std::int32_t best = std::numeric_limits<std::int32_t>::max();
+    int bestIndex = 0;
     for (int k = 0; k < n; ++k) { // ascending, so ties keep the lowest index
         const int i = candidate[k];
-        const Entry& e = entries[std::size_t(i)];
+        const Entry& e = table[i];
         const std::int32_t dr = red - e.red, dg = green - e.green, db = blue - e.blue;
         const std::int32_t distance = dr * dr + dg * dg + db * db;
         if (distance < best) {
@@ -203,6 +226,15 @@ int cPalette::ClosestIndex(int red, int green, int blue) const {
         }
     }
     return bestIndex;
+}
+
+int cPalette::ClosestIndex(int red, int green, int blue) const {
+    if (mEntryCount == 0)
+        return 0;
+    if (red < 0 || red > 255 || green < 0 || green > 255 || blue < 0 || blue > 255 ||
+        mEntryCount > 65535)
+        return ClosestIndexLinear(red, green, blue);
+    return nearestOfBytes(red, green, blue);
 }
 
 std::int32_t cPalette::NewNode() {
@@ -232,32 +264,42 @@ void cPalette::FreeNode(std::int32_t index) {
     --nodesInUse;
 }
 
+namespace {
+
+// The half each value of a channel falls in at the levels 1 to 16, bit 0 for level 1: the
+// split of a channel depends only on the halves taken before in that same channel.
+const std::array<std::uint16_t, 256>& channelPaths() {
+    static const std::array<std::uint16_t, 256> paths = [] {
+        std::array<std::uint16_t, 256> out{};
+        for (int value = 0; value < 256; ++value) {
+            int min = 0, max = 255;
+            for (int level = 0; level < 16; ++level) {
+                const int mid = midpoint(min, max);
+                if (value <= mid) {
+                    max = mid;
+                } else {
+                    min = mid;
+                    out[std::size_t(value)] |= std::uint16_t(1u << level);
+                }
+            }
+        }
+        return out;
+    }();
+    return paths;
+}
+
+} // namespace
+
 void cPalette::AddColourToTree(std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
-    int redMin = 0, redMax = 255, greenMin = 0, greenMax = 255, blueMin = 0, blueMax = 255;
+    const auto& paths = channelPaths();
+    const unsigned redPath = paths[red], greenPath = paths[green], bluePath = paths[blue];
     std::int32_t node = 1;
     for (int level = 1;; ++level) {
-        int slot = 0;
-        int mid = midpoint(redMin, redMax);
-        if (red <= mid) {
-            redMax = mid;
-        } else {
-            redMin = mid;
-            slot |= 1;
-        }
-        mid = midpoint(greenMin, greenMax);
-        if (green <= mid) {
-            greenMax = mid;
-        } else {
-            greenMin = mid;
-            slot |= 2;
-        }
-        mid = midpoint(blueMin, blueMax);
-        if (blue <= mid) {
-            blueMax = mid;
-        } else {
-            blueMin = mid;
-            slot |= 4;
-        }
+        if (level > 16)
+            raiseSubscript();
+        const int shift = level - 1;
+        const int slot = int(((redPath >> shift) & 1u) | (((greenPath >> shift) & 1u) << 1) |
+                             (((bluePath >> shift) & 1u) << 2));
 
         std::int32_t child = nodes[std::size_t(node)].children[std::size_t(slot)];
         if (child == 0) {
@@ -386,13 +428,15 @@ void cPalette::ApplyPalette(cDIBSection& source, cDIBSection& destination, cDIBS
 
     if (indices)
         indices->assign(std::size_t(width) * std::size_t(height), 0);
+    const bool fast = mEntryCount >= 1 && mEntryCount <= 65535;
     for (int y = 0; y < height; ++y) {
         std::uint8_t* row = in + std::size_t(y) * std::size_t(scanWidth);
         std::uint8_t* mapped = out + std::size_t(y) * std::size_t(scanWidth);
         std::uint8_t* nextRow = row + scanWidth;
         for (int x = 0; x <= lastByte; x += 3) {
-            const int index = ClosestIndex(row[x + 2], row[x + 1], row[x]);
-            const Entry& e = entryAt(index);
+            const int index = fast ? nearestOfBytes(row[x + 2], row[x + 1], row[x])
+                                   : ClosestIndex(row[x + 2], row[x + 1], row[x]);
+            const Entry& e = fast ? entries[std::size_t(index - 1)] : entryAt(index);
             if (indices)
                 (*indices)[std::size_t(y) * std::size_t(width) + std::size_t(x / 3)] =
                     std::uint16_t(index - 1);

@@ -65,6 +65,9 @@ private:
     std::int32_t candidatesOf(int cell) const;
     std::int32_t coarseCandidatesOf(int cell) const;
     void dropGrid();
+    // ClosestIndex for channels of 0 to 255 and 1 to 65535 entries.
+    int nearestOfBytes(int red, int green, int blue) const;
+    void prepareGrid() const;
 
     std::vector<PaletteNode> nodes; // slot 0 unused: index 0 means no node
     std::int32_t nodesInUse = 0;
@@ -80,9 +83,12 @@ private:
     // palette changes. It gives the same answers as the plain scan.
     mutable std::vector<std::int32_t> mCellStart; // -1 for a cell not built yet
     mutable std::vector<std::uint16_t> mPool;
-    mutable std::vector<std::int32_t> mCoarseStart; // the same over cells 4 times as wide
-    mutable std::vector<std::uint16_t> mCoarsePool;
-    mutable std::vector<std::uint16_t> mAllEntries;
+    // The same over cells 4 times as wide, the entries' channels held apart.
+    mutable std::vector<std::int32_t> mCoarseStart;
+    mutable std::vector<std::int32_t> mCoarseCount;
+    mutable std::vector<std::int32_t> mCoarseRed, mCoarseGreen, mCoarseBlue;
+    mutable std::vector<std::uint16_t> mCoarseIndex;
+    mutable std::vector<std::int32_t> mAllRed, mAllGreen, mAllBlue;
     mutable std::vector<std::int32_t> mScratch;
     mutable bool mGridValid = false;
 };
