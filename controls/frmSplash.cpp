@@ -40,13 +40,14 @@ QPixmap drawnSplash(const QSize& size) {
 } // namespace
 
 frmSplash* frmSplash::Load() {
-    if (!gSplash)
+    // A splash that has unloaded but is not deleted yet does not count.
+    if (!gSplash || gSplash->mUnloaded)
         gSplash = new frmSplash;
     return gSplash;
 }
 
 frmSplash* frmSplash::Instance() {
-    return gSplash;
+    return gSplash && !gSplash->mUnloaded ? gSplash : nullptr;
 }
 
 frmSplash::frmSplash() : ui(std::make_unique<Ui::frmSplash>()) {

@@ -164,6 +164,23 @@ TEST(Splash, CloseSplashStartsTheShrinkAtOnce) {
     EXPECT_FALSE(gSplashActive);
 }
 
+TEST(Splash, LoadingAgainAfterAnUnloadGivesAFreshSplash) {
+    QPointer<frmSplash> first = frmSplash::Load();
+    first->Unload();
+    EXPECT_EQ(frmSplash::Instance(), nullptr);
+    EXPECT_FALSE(gSplashActive);
+    // Loaded again before the first one is gone: a new splash with its own life.
+    QPointer<frmSplash> second = frmSplash::Load();
+    EXPECT_NE(second.data(), first.data());
+    EXPECT_TRUE(gSplashActive);
+    EXPECT_EQ(second->Counter(), 0);
+    EXPECT_TRUE(second->TimerSplash()->isActive());
+    QTRY_VERIFY(first.isNull());
+    EXPECT_EQ(frmSplash::Instance(), second.data());
+    second->Unload();
+    QTRY_VERIFY(second.isNull());
+}
+
 TEST(Splash, ClosingTheWindowClearsTheFlag) {
     QPointer<frmSplash> splash = frmSplash::Load();
     splash->show();
