@@ -146,7 +146,7 @@ TEST(Splash, AClickOnTheRealTimerEndsWithinATick) {
     splash->show();
     QTest::mouseClick(splash.data(), Qt::LeftButton, {}, QPoint(5, 5));
     // 100 ms ticks: one tick later the shrink runs.
-    QTRY_VERIFY_WITH_TIMEOUT(splash->Shrinking(), 250);
+    QTRY_VERIFY_WITH_TIMEOUT(splash->Shrinking(), 350);
     splash->Unload();
     QTRY_VERIFY(splash.isNull());
 }
