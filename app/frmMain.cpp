@@ -1,19 +1,758 @@
 #include "app/frmMain.h"
+#include "ui_frmMain.h"
 
 #include "app/modMain.h"
+#include "browse/frmMessageList.h"
+#include "config/clsPropertiesXML.h"
+#include "config/clsXMLocalizer.h"
+#include "config/modConfig.h"
+#include "controls/frmAbout.h"
+#include "controls/frmSplash.h"
+#include "controls/modGlyphs.h"
+#include "controls/modSkin.h"
+#include "controls/modTitleBar.h"
+#include "document/clsMessage.h"
+#include "document/clsSlide.h"
+#include "document/clsSlides.h"
+#include "platform/AppPaths.h"
+#include "platform/Twips.h"
+#include "platform/VbFormat.h"
+#include "platform/modDialogs.h"
 #include "platform/modShared.h"
+#include "store/clsMMSManager.h"
 
+#include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTimer>
 
-frmMain::frmMain(QWidget* parent) : QWidget(parent) {
-    setObjectName(QStringLiteral("frmMain"));
-    setWindowTitle(kAppTitle);
+namespace {
+
+const QString kPreferences = QStringLiteral("preferences");
+
+QString pref(const QString& key, const QString& defaultValue) {
+    return gProperties ? gProperties->GetProp(kPreferences, key, defaultValue) : defaultValue;
+}
+
+void pumpEvents() {
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+}
+
+// Menu keys of the bar.
+enum MenuKey : std::int32_t {
+    kFileNew = 1,
+    kFileOpen = 2,
+    kFileSave = 3,
+    kFileSaveAs = 4,
+    kFileDelete = 5,
+    kFileSettings = 6,
+    kFileSaveAsTemplate = 7,
+    kFileSaveAsSis = 8,
+    kFileOpenTemplate = 9,
+    kFileExit = 10,
+    kSlideAdd = 11,
+    kSlideDeleteSlide = 19,
+    kSlideDeleteImage = 20,
+    kSlideDeleteSound = 21,
+    kSlideDeleteText = 22,
+    kSlidePreview = 24,
+    kHelpAbout = 27,
+};
+
+// The text of each tool page, by page index.
+const char* const kToolTitles[] = {"STR_BACKGROUND_TITLE", "STR_TEXT_TITLE", "STR_AUDIO_TITLE",
+                                   "STR_SYMBOLS_TITLE", "STR_AUDIO_REC_TITLE"};
+
+} // namespace
+
+frmMain::frmMain(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::frmMain>()) {
+    ui->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
-    resize(644, 488);
+    setWindowFlag(Qt::WindowMaximizeButtonHint, false);
+
+    // The tool pages form one control array.
+    const QList<QWidget*> pages = {ui->picToolsTab0, ui->picToolsTab1, ui->picToolsTab2,
+                                   ui->picToolsTab3, ui->picToolsTab4};
+    for (int i = 0; i < pages.size(); ++i) {
+        pages[i]->setObjectName(QStringLiteral("picToolsTab"));
+        pages[i]->setProperty("index", i);
+    }
+
+    mTimerExitWait = new QTimer(this);
+    mTimerExitWait->setObjectName(QStringLiteral("TimerExitWait"));
+    mTimerExitWait->setInterval(100);
+    connect(mTimerExitWait, &QTimer::timeout, this, &frmMain::TimerExitWait_Timer);
+
+    connect(ui->ctlMainMenu1, &ctlMainMenu::MenuClick, this, &frmMain::ctlMainMenu1_MenuClick);
+    connect(ui->ctlMainMenu1, &ctlMainMenu::MenuMouseDown, this,
+            [this](int button, int, float, float) { DragWindow(this, button); });
+    connect(ui->cmdMinimize, &QAbstractButton::clicked, this, [this] { showMinimized(); });
+    connect(ui->cmdClose, &QAbstractButton::released, this, [this] { RequestExit(); });
+    connect(ui->cmdAddNewSlide, &QAbstractButton::clicked, this, [this] {
+        if (mMessage)
+            AddSlide(askNewSlide(), true);
+    });
+    connect(ui->txtMessage, &QPlainTextEdit::textChanged, this, &frmMain::txtMessage_Change);
+    connect(ui->ctlUpDown1, &ctlUpDown::ValueChanged, this, [this](std::int32_t& value) {
+        if (mSlide)
+            mSlide->setDuration(value);
+        UpdateTotalTime();
+    });
+    connect(ui->ctlVerticalTab1, &ctlVerticalTab::TabClick, this,
+            &frmMain::ctlVerticalTab1_TabClick);
+    ui->lblCaption->installEventFilter(this);
+    ui->lblMessageTitle->installEventFilter(this);
+
+    Form_Load();
+}
+
+frmMain::~frmMain() {
+    if (gMainWindow == this)
+        gMainWindow = nullptr;
+}
+
+QString frmMain::text(const QString& key) const {
+    return gLocalizer ? gLocalizer->GetString(key) : key;
+}
+
+bool frmMain::askNewSlide() const {
+    return pref(QStringLiteral("AskNewSlide"), QStringLiteral("1")) == QLatin1String("1");
+}
+
+// ---------------------------------------------------------------------------------------------
+// Life of the window
+
+void frmMain::Form_Load() {
+    TranslateForm();
+    gUntitledName = text(QStringLiteral("STR_UNTITLED"));
+    ui->lblCaption->setText(windowTitle());
+    styleLabels();
+    ui->lblTime->clear();
+    ui->ctlUpDown1->setDecSep(gDecimalSeparator);
+    InitMessageManager();
+    InitSkin();
+    mFrmOpen = new frmMessageList(mMMSManager.get(), this);
+    connect(mFrmOpen, &frmMessageList::SelectedMessage, this, &frmMain::mFrmOpen_SelectedMessage);
+}
+
+void frmMain::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!mActivated)
+        Form_Activate();
+}
+
+void frmMain::Form_Activate() {
+    mActivated = true;
+    ui->ctlMainMenu1->SetBackground(this, ui->ctlMainMenu1);
+
+    bool splashVisible = false;
+    if (gSplashActive && frmSplash::Instance()) {
+        splashVisible = frmSplash::Instance()->isVisible();
+        frmSplash::Instance()->hide();
+        pumpEvents();
+    }
+
+    const QColor back =
+        fromVbColor(pref(QStringLiteral("BackgroundColor"), QStringLiteral("16777215")).toInt());
+    QPalette palette = ui->picPreview->palette();
+    palette.setColor(QPalette::Window, back);
+    ui->picPreview->setPalette(palette);
+    ui->picPreview->setAutoFillBackground(true);
+
+    ui->txtMessage->setPlainText(ui->txtMessage->toolTip());
+    pumpEvents();
+
+    if (gSplashActive && frmSplash::Instance()) {
+        frmSplash::Instance()->CloseSplash();
+        if (splashVisible)
+            frmSplash::Instance()->show();
+    }
+
+    InitTools();
+    mChanged = false;
+
+    if (!mMessage)
+        NewMessage(gUntitledName);
+
+    while (gSplashActive)
+        pumpEvents();
+
+    gStarting = false;
+}
+
+void frmMain::InitMessageManager() {
+    mMMSManager = std::make_unique<clsMMSManager>();
+    connect(mMMSManager.get(), &clsMMSManager::ProsessingSlide, this,
+            &frmMain::MMSManager_ProsessingSlide);
+    const QString messages =
+        gProperties
+            ? gProperties->GetProp(QStringLiteral("paths"), QStringLiteral("messages"), QString())
+            : QString();
+    const QString file = gProperties
+                             ? gProperties->GetProp(QStringLiteral("paths"),
+                                                    QStringLiteral("messagefile"), QString())
+                             : QString();
+    // Without both keys the manager stays without a store: its operations then fail.
+    if (!messages.isEmpty() && !file.isEmpty())
+        mMMSManager->Initialize(joinPath(appFolder(), messages), file);
+}
+
+void frmMain::InitSkin() {
+    placeToolPages();
+    mWindowWidth = mDocked ? kWindowWidthDocked : kWindowWidthUndocked;
+    mWindowHeight = kWindowHeight;
+    ShowTitleBar(this, false);
+    setFixedSize(twipsToPixels(mWindowWidth), twipsToPixels(mWindowHeight));
+
+    for (GrButtonIII* button : {ui->cmdClose, ui->cmdMinimize, ui->cmdUndock})
+        button->setCaptionLook(button == ui->cmdClose      ? QStringLiteral("close")
+                               : button == ui->cmdMinimize ? QStringLiteral("minimize")
+                                                           : QStringLiteral("undock"));
+    ui->cmdUndock->setVisible(mDocked);
+    const std::pair<GrButtonIII*, const char*> glyphs[] = {
+        {ui->cmdAddNewSlide, "add"},    {ui->cmdDuplicateSlide, "duplicate"},
+        {ui->cmdDeleteSlide, "delete"}, {ui->bPlayAudio, "play"},
+        {ui->bStopAudio, "stop"},       {ui->bDeleteAudio, "remove"}};
+    for (const auto& [button, glyph] : glyphs)
+        button->setIcon(toolGlyph(QString::fromLatin1(glyph)));
+
+    const QString skin = pref(QStringLiteral("Skin"), QString());
+    if (!skin.isEmpty() && gProperties) {
+        const QString back = gProperties->GetProp(skin, QStringLiteral("BackPicture"), QString());
+        if (!back.isEmpty()) {
+            const QPixmap picture(joinPath(appFolder(), back));
+            if (picture.isNull())
+                MsgBox(QStringLiteral("The background bitmap could not be loaded!"),
+                       Vb::Exclamation, QStringLiteral("InitSkin"));
+            else
+                setFormPicture(this, picture);
+        }
+    }
+    ui->ctlVerticalTab1->SetBackground(this, ui->ctlVerticalTab1);
+    ui->ctlMainMenu1->SetBackground(this, ui->ctlMainMenu1);
+    update();
+}
+
+// Fonts and colours of the labels that lie on the skin.
+void frmMain::styleLabels() {
+    const auto style = [](QLabel* label, int pixels, bool bold, const QColor& colour) {
+        QFont font = label->font();
+        font.setPixelSize(pixels);
+        font.setBold(bold);
+        label->setFont(font);
+        QPalette palette = label->palette();
+        palette.setColor(QPalette::WindowText, colour);
+        label->setPalette(palette);
+    };
+    style(ui->lblCaption, 17, true, Qt::white);
+    style(ui->lblMessageTitle, 13, false, QColor(0xc9, 0xd4, 0xea));
+    const QColor text(0x2a, 0x33, 0x48);
+    for (QLabel* label :
+         {ui->lblPhoneConnected, ui->lblSlideNo, ui->lblTotalTimeDesc, ui->lblMaxTime})
+        style(label, 11, false, text);
+    style(ui->lblMaxTime, 11, true, text);
+    style(ui->lblToolTitle, 12, true, text);
+    style(ui->lblSoundFile, 11, false, text);
+    ui->lblMaxTime->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    ui->lblMessageTitle->setTextFormat(Qt::PlainText);
+
+    // The sound's progress: a thin bar over its back.
+    ui->LblSoundProgressBack->setAutoFillBackground(true);
+    ui->lblSoundProgress->setAutoFillBackground(true);
+    QPalette back = ui->LblSoundProgressBack->palette();
+    back.setColor(QPalette::Window, QColor(0xd5, 0xdc, 0xe9));
+    ui->LblSoundProgressBack->setPalette(back);
+    back.setColor(QPalette::Window, fromVbColor(kToolAccentColor));
+    ui->lblSoundProgress->setPalette(back);
+
+    ui->txtMessage->setFrameShape(QFrame::NoFrame);
+    ui->txtMessage->setStyleSheet(
+        QStringLiteral("QPlainTextEdit { background: white; border: 1px solid #b8c2d6; "
+                       "border-radius: 4px; color: #2a3348; }"));
+}
+
+void frmMain::placeToolPages() {
+    const QColor page = fromVbColor(kToolBackColor);
+    const QList<QWidget*> pages = ui->picWork->findChildren<QWidget*>(QStringLiteral("picToolsTab"),
+                                                                      Qt::FindDirectChildrenOnly);
+    for (QWidget* p : pages) {
+        p->move(30, 30);
+        QPalette palette = p->palette();
+        palette.setColor(QPalette::Window, page);
+        p->setPalette(palette);
+        p->setAutoFillBackground(true);
+    }
+}
+
+void frmMain::InitTools() {
+    ui->ctlVerticalTab1->SetTab(pref(QStringLiteral("SelectedTool"), QStringLiteral("0")).toInt());
+}
+
+void frmMain::ctlVerticalTab1_TabClick(int index) {
+    const QList<QWidget*> pages = ui->picWork->findChildren<QWidget*>(QStringLiteral("picToolsTab"),
+                                                                      Qt::FindDirectChildrenOnly);
+    for (QWidget* page : pages) {
+        if (page->property("index").toInt() != index)
+            continue;
+        page->raise();
+        ui->lblToolTitle->setText(text(QString::fromLatin1(kToolTitles[index])));
+        if (gProperties)
+            gProperties->SetProp(kPreferences, QStringLiteral("SelectedTool"),
+                                 QString::number(index));
+    }
+}
+
+bool frmMain::RequestExit() {
+    const QString title = windowTitle();
+    bool exit = false;
+    if (!mChanged) {
+        exit = MsgBox(text(QStringLiteral("ASK_EXIT")), Vb::YesNo | Vb::Question, title) == Vb::Yes;
+    } else {
+        const int answer =
+            MsgBox(text(QStringLiteral("ASK_SAVECHANGES")), Vb::YesNoCancel | Vb::Question, title);
+        if (answer == Vb::No) {
+            exit = true;
+        } else if (answer == Vb::Yes) {
+            if (!mMessage) {
+                exit = true;
+            } else if (mMessage->name() != gUntitledName) {
+                SaveCurrentMessage(false);
+                exit = true;
+            } else {
+                exit = !ShowSaveAsDialog();
+            }
+        }
+    }
+    if (exit)
+        mTimerExitWait->start();
+    return exit;
+}
+
+void frmMain::TimerExitWait_Timer() {
+    if (gStarting)
+        return; // start-up is still running; keep ticking
+    mTimerExitWait->stop();
+    mUnloading = true;
+    close();
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
-    releaseSharedObjects();
-    gMainWindow = nullptr;
+    // The close box goes the same way as the Exit command; only the program itself unloads.
+    if (!mUnloading) {
+        event->ignore();
+        RequestExit();
+        return;
+    }
+    Form_Unload();
     event->accept();
+}
+
+void frmMain::Form_Unload() {
+    if (mUnloaded)
+        return;
+    mUnloaded = true;
+    while (gSplashActive)
+        pumpEvents();
+
+    // Pictures taken from the picture browser stay in the work folder.
+    QDir(joinPath(appFolder(), QStringLiteral("Work"))).exists();
+
+    mMMSManager.reset();
+    delete mFrmOpen;
+    mFrmOpen = nullptr;
+
+    if (gProperties)
+        gProperties->SaveXmlFile();
+    releaseSharedObjects();
+
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (window != this && window->objectName() != objectName())
+            window->close();
+    emit Unloaded();
+}
+
+void frmMain::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange)
+        Form_Resize();
+}
+
+void frmMain::Form_Resize() {
+    if (windowState() & Qt::WindowMaximized) {
+        // The window keeps its size: a maximised state goes back to normal at once.
+        QTimer::singleShot(0, this, [this] { showNormal(); });
+        return;
+    }
+    if (!(windowState() & Qt::WindowMinimized))
+        setFixedSize(twipsToPixels(mWindowWidth), twipsToPixels(mWindowHeight));
+}
+
+void frmMain::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QPixmap picture = formPicture(this);
+    if (picture.isNull())
+        painter.fillRect(rect(), palette().window());
+    else
+        painter.drawPixmap(0, 0, picture);
+}
+
+void frmMain::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        DragWindow(this, 1);
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+    // A drag starts when the mouse moves over the caption labels with the left button held.
+    if ((watched == ui->lblCaption || watched == ui->lblMessageTitle) &&
+        event->type() == QEvent::MouseMove &&
+        (static_cast<QMouseEvent*>(event)->buttons() & Qt::LeftButton)) {
+        DragWindow(this, 1);
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Translation and settings
+
+void frmMain::TranslateForm() {
+    const bool changed = mChanged;
+    const QString oldTip = ui->txtMessage->toolTip();
+    const QString maxTime = ui->lblMaxTime->text();
+    const QString time = ui->lblTime->text();
+    const QString phone = ui->lblPhoneConnected->text();
+
+    if (gLocalizer)
+        gLocalizer->TranslateForm(this);
+    ui->ctlMainMenu1->EnableTemplates(
+        pref(QStringLiteral("TemplateLoadSave"), QStringLiteral("0")) == QLatin1String("1"));
+    if (gLocalizer) {
+        ui->ctlMainMenu1->TranslateControl(gLocalizer);
+        ui->ctlVerticalTab1->TranslateControl(gLocalizer);
+    }
+    const int tool = ui->ctlVerticalTab1->SelectedIndex();
+    if (tool >= 0 && tool < int(std::size(kToolTitles)))
+        ui->lblToolTitle->setText(text(QString::fromLatin1(kToolTitles[tool])));
+
+    const QString tip = text(QStringLiteral("STR_CLICK_TO_ADD"));
+    ui->txtMessage->setToolTip(tip);
+    if (ui->txtMessage->toPlainText() == oldTip) {
+        const QSignalBlocker block(ui->txtMessage);
+        ui->txtMessage->setPlainText(tip);
+    }
+
+    ShowTitleBar(this, false);
+    UpdateTitle();
+    ui->lblMaxTime->setText(maxTime);
+    ui->lblTime->setText(time);
+    ui->lblPhoneConnected->setText(phone);
+    mChanged = changed;
+}
+
+void frmMain::ApplySettings() {
+    InitSkin();
+}
+
+void frmMain::MMSCommunication_Connect(bool connected, int connectionType, const QString& name) {
+    const bool blink = pref(QStringLiteral("BlinkLed"), QStringLiteral("1")) == QLatin1String("1");
+    if (!connected) {
+        ui->lblPhoneConnected->clear();
+        ui->lblPhoneConnected->setToolTip(QString());
+        ui->ctlBlink1->Start(0, blink);
+        return;
+    }
+    ui->lblPhoneConnected->setToolTip(name);
+    ui->lblPhoneConnected->setText(name.size() > 10 ? name.left(7) + QStringLiteral("...") : name);
+    ui->ctlBlink1->Start(connectionType == 1 || connectionType == 2 ? connectionType : 3, blink);
+}
+
+void frmMain::MMSManager_ProsessingSlide(std::int16_t, std::int16_t) {
+    // The progress goes to the send window, which comes with the phone transport.
+}
+
+// ---------------------------------------------------------------------------------------------
+// Menu
+
+void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
+    const bool ask = askNewSlide();
+    switch (key) {
+    case kFileNew:
+        gUntitledName = text(QStringLiteral("STR_UNTITLED"));
+        NewMessage(gUntitledName);
+        break;
+    case kFileOpen:
+        AskSaveCurrent();
+        ShowOpenDialog();
+        break;
+    case kFileSave:
+        if (mMessage) {
+            if (mMessage->name() != gUntitledName)
+                SaveCurrentMessage(false);
+            else
+                ShowSaveAsDialog();
+        }
+        break;
+    case kFileSaveAs:
+        ShowSaveAsDialog();
+        break;
+    case kFileDelete:
+        ShowDeleteDialog();
+        break;
+    case kFileSaveAsTemplate:
+    case kFileSaveAsSis:
+    case kFileOpenTemplate:
+        // Templates and packages are made only when a message is sent.
+        break;
+    case kFileExit:
+        RequestExit();
+        break;
+    case kSlideAdd:
+        AddSlide(ask, true);
+        break;
+    case kHelpAbout: {
+        frmAbout about(this);
+        if (gLocalizer)
+            gLocalizer->TranslateForm(&about);
+        about.exec();
+        break;
+    }
+    default:
+        // Settings, the slide commands beyond adding and the preview come with their windows.
+        break;
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Message list dialogs and the life of the message
+
+void frmMain::ShowOpenDialog() {
+    mDialogCancelled = false;
+    mFrmOpen->SetFunction(frmMessageList::Open);
+    mFrmOpen->exec();
+}
+
+void frmMain::ShowNewDialog() {
+    mDialogCancelled = false;
+    mFrmOpen->SetFunction(frmMessageList::New);
+    mFrmOpen->exec();
+}
+
+bool frmMain::ShowSaveAsDialog() {
+    mDialogCancelled = false;
+    mFrmOpen->SetFunction(frmMessageList::SaveAs);
+    mFrmOpen->exec();
+    while (mFrmOpen->isVisible())
+        pumpEvents();
+    return mDialogCancelled;
+}
+
+void frmMain::ShowDeleteDialog() {
+    mFrmOpen->SetFunction(frmMessageList::Delete);
+    mFrmOpen->exec();
+}
+
+void frmMain::mFrmOpen_SelectedMessage(int mode, const QString& rawName) {
+    pumpEvents();
+    const QString name = rawName.trimmed();
+    if (mode != frmMessageList::Cancelled && name.isEmpty()) {
+        MsgBox(text(QStringLiteral("STR_ENTER_NAME")), Vb::Information,
+               text(QStringLiteral("APP_PRODUCTNAME")));
+        return;
+    }
+    switch (mode) {
+    case frmMessageList::Cancelled:
+        mDialogCancelled = true;
+        break;
+    case frmMessageList::Open:
+        OpenMessage(name, false);
+        break;
+    case frmMessageList::New:
+        NewMessage(name);
+        break;
+    case frmMessageList::SaveAs:
+        if (mMessage)
+            SaveMessageAs(name);
+        break;
+    case frmMessageList::Delete:
+        DeleteMessages(name);
+        break;
+    default:
+        break;
+    }
+}
+
+void frmMain::NewMessage(const QString& name) {
+    if (mMessage && mChanged)
+        AskSaveCurrent();
+    if (name == gUntitledName)
+        mMMSManager->DeleteMsg(name, false);
+    mMessage = mMMSManager->CreateMsg(name);
+    mSlide.reset();
+    AddSlide(false, false);
+    mChanged = false;
+}
+
+void frmMain::OpenMessage(const QString& name, bool askFirst) {
+    if (askFirst)
+        AskSaveCurrent();
+    mFrmOpen->hide();
+    mMessage = mMMSManager->OpenMsg(name);
+    mSlide.reset();
+    LoadSlideToUI(1);
+    if (!mSlide)
+        AddSlide(false, false);
+    UpdateTitle();
+    UpdateTotalTime();
+    mChanged = false;
+}
+
+void frmMain::SaveCurrentMessage(bool askName) {
+    if (!mMessage)
+        return;
+    StoreSlideFromUI();
+    if (askName) {
+        ShowSaveAsDialog();
+        return;
+    }
+    if (!mMessage->SaveMessage())
+        MsgBox(text(QStringLiteral("STR_SAVE_MSG_ERROR")), Vb::Critical,
+               text(QStringLiteral("STR_ERROR")));
+    mChanged = false;
+}
+
+void frmMain::SaveMessageAs(const QString& name) {
+    if (!mMessage)
+        return;
+    StoreSlideFromUI();
+    bool saved;
+    if (name == mMessage->name()) {
+        saved = mMessage->SaveMessage();
+    } else {
+        mMessage->setName(name);
+        saved = mMessage->SaveMessage();
+        UpdateTitle();
+    }
+    if (!saved)
+        MsgBox(text(QStringLiteral("STR_SAVE_MSG_ERROR")), Vb::Critical,
+               text(QStringLiteral("STR_ERROR")));
+    mChanged = false;
+}
+
+void frmMain::AskSaveCurrent() {
+    if (!mMessage || !mChanged)
+        return;
+    if (MsgBox(text(QStringLiteral("STR_SAVE_MSG")), Vb::YesNo | Vb::Question,
+               text(QStringLiteral("BTN_SAVE"))) != Vb::Yes)
+        return;
+    if (mMessage->name() == gUntitledName) {
+        ShowSaveAsDialog();
+        return;
+    }
+    StoreSlideFromUI();
+    if (!mMessage->SaveMessage())
+        MsgBox(text(QStringLiteral("STR_SAVE_MSG_ERROR")), Vb::Critical,
+               text(QStringLiteral("STR_ERROR")));
+}
+
+void frmMain::DeleteMessages(const QString& names) {
+    for (const QString& name : names.split(QLatin1Char(','))) {
+        if (!mMessage || name != mMessage->name()) {
+            mMMSManager->DeleteMsg(name, true);
+        } else {
+            MsgBox(text(QStringLiteral("STR_CANNOT_DELMSG")) + QStringLiteral("\n\n") + name,
+                   Vb::Exclamation, text(QStringLiteral("STR_DELETE_MSG")));
+        }
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Slides
+
+void frmMain::AddSlide(bool ask, bool storeFirst) {
+    if (!mMessage || !mMessage->Slides())
+        return;
+    const bool yes =
+        !ask || MsgBox(text(QStringLiteral("STR_ADD_NEW_SLIDE")), Vb::YesNo | Vb::Question,
+                       text(QStringLiteral("STR_APPEND_SLIDE"))) == Vb::Yes;
+    if (yes) {
+        if (storeFirst)
+            StoreSlideFromUI();
+        const auto added = mMessage->Slides()->Add();
+        LoadSlideToUI(added->Index());
+        EnableSlideCommands(true);
+        mChanged = true;
+    }
+    UpdateTotalTime();
+    UpdateTitle();
+}
+
+void frmMain::StoreSlideFromUI() {
+    if (!mSlide)
+        return;
+    mSlide->setDuration(ui->ctlUpDown1->Value());
+    const QString text = ui->txtMessage->toPlainText();
+    mSlide->setText(text == ui->txtMessage->toolTip() ? QString() : text);
+    mSlide->setSound(ui->lblSoundFile->toolTip());
+}
+
+void frmMain::LoadSlideToUI(int index) {
+    mSlide = mMessage && mMessage->Slides() ? mMessage->Slides()->Item(index) : nullptr;
+    if (!mSlide)
+        return;
+    LoadDuration();
+    LoadTextAndSound();
+    EnableSlideCommands(true);
+}
+
+void frmMain::LoadDuration() {
+    const QSignalBlocker block(ui->ctlUpDown1);
+    ui->ctlUpDown1->setValue(mSlide->Duration());
+}
+
+void frmMain::LoadTextAndSound() {
+    const QString slideText = mSlide->Text();
+    ui->txtMessage->setPlainText(slideText.isEmpty() ? ui->txtMessage->toolTip() : slideText);
+    const QString sound = mSlide->Sound();
+    if (sound.isEmpty()) {
+        ui->lblSoundFile->clear();
+        ui->lblSoundFile->setToolTip(QString());
+        return;
+    }
+    QString caption = fileNameOf(sound);
+    if (mSlide->SoundDuration() > 0)
+        caption += QStringLiteral(" - ") +
+                   Format(mSlide->SoundDuration() / 1000.0, QStringLiteral("#0.0s"));
+    ui->lblSoundFile->setText(caption);
+    ui->lblSoundFile->setToolTip(sound);
+}
+
+void frmMain::txtMessage_Change() {
+    // Any change of the text box marks the document, also the load of another slide's text.
+    mChanged = true;
+}
+
+void frmMain::UpdateTitle() {
+    ui->lblSlideNo->setText(mSlide ? text(QStringLiteral("MNU_SLIDE_DELETE_SLIDE")) +
+                                         QLatin1Char(' ') + QString::number(mSlide->Index())
+                                   : QStringLiteral("-----"));
+    ui->lblMessageTitle->setText(mMessage ? mMessage->name() : QString());
+}
+
+std::int32_t frmMain::UpdateTotalTime() {
+    std::int32_t total = 0;
+    if (mMessage && mMessage->Slides())
+        for (const auto& s : *mMessage->Slides())
+            total += s->Duration();
+    ui->lblMaxTime->setText(Format(total / 1000.0, QStringLiteral("#0.0s")));
+    return total;
+}
+
+void frmMain::EnableSlideCommands(bool enabled) {
+    ui->cmdDeleteSlide->setEnabled(enabled);
+    for (std::int32_t key :
+         {kSlideDeleteSlide, kSlideDeleteImage, kSlideDeleteSound, kSlideDeleteText})
+        ui->ctlMainMenu1->MenuItemEnabled(key, enabled);
 }

@@ -1,13 +1,113 @@
 #pragma once
 
 #include <QWidget>
+#include <cstdint>
+#include <memory>
 
-// The main window.
+class QTimer;
+class clsMMSManager;
+class clsMessage;
+class clsSlide;
+class frmMessageList;
+namespace Ui {
+class frmMain;
+}
+
+// The main window, hub of every command: it owns the current message and slide, the change
+// flag, the message store manager and the message list dialog. A fixed-size, frameless window
+// drawn on the skin picture; the user drags it by its caption, menu bar and labels.
 class frmMain : public QWidget {
     Q_OBJECT
 public:
+    // Window sizes in twips.
+    static constexpr int kWindowWidthUndocked = 9660;
+    static constexpr int kWindowWidthDocked = 13290;
+    static constexpr int kWindowHeight = 7320;
+
     explicit frmMain(QWidget* parent = nullptr);
+    ~frmMain() override;
+
+    // Translates the window; a language change never marks the document changed.
+    void TranslateForm();
+
+    // The window's state, for the windows that work with it.
+    clsMessage* message() const { return mMessage.get(); }
+    clsSlide* slide() const { return mSlide.get(); }
+    bool changed() const { return mChanged; }
+    void setChanged(bool changed) { mChanged = changed; }
+    clsMMSManager* MMSManager() const { return mMMSManager.get(); }
+    frmMessageList* messageListDialog() const { return mFrmOpen; }
+    QTimer* TimerExitWait() const { return mTimerExitWait; }
+    int windowWidthTwips() const { return mWindowWidth; }
+
+    // Commands; the menu bar, the buttons and the dialogs end here.
+    void ctlMainMenu1_MenuClick(std::int32_t key);
+    bool RequestExit();
+    void NewMessage(const QString& name);
+    void OpenMessage(const QString& name, bool askFirst);
+    void SaveCurrentMessage(bool askName);
+    void SaveMessageAs(const QString& name);
+    void AskSaveCurrent();
+    void DeleteMessages(const QString& names);
+    void ShowOpenDialog();
+    void ShowNewDialog();
+    bool ShowSaveAsDialog();
+    void ShowDeleteDialog();
+    void mFrmOpen_SelectedMessage(int mode, const QString& name);
+    void ApplySettings();
+    void MMSCommunication_Connect(bool connected, int connectionType, const QString& name);
+    void MMSManager_ProsessingSlide(std::int16_t slideIndex, std::int16_t slideCount);
+
+    // Slides.
+    void AddSlide(bool ask, bool storeFirst);
+    void StoreSlideFromUI();
+    void LoadSlideToUI(int index);
+    void UpdateTitle();
+    std::int32_t UpdateTotalTime();
+    void EnableSlideCommands(bool enabled);
+
+signals:
+    // The window has run its unload steps and is going.
+    void Unloaded();
 
 protected:
+    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void Form_Load();
+    void Form_Activate();
+    void Form_Unload();
+    void Form_Resize();
+    void InitMessageManager();
+    void InitSkin();
+    void InitTools();
+    void TimerExitWait_Timer();
+    void LoadDuration();
+    void LoadTextAndSound();
+    void txtMessage_Change();
+    void ctlVerticalTab1_TabClick(int index);
+    void placeToolPages();
+    void styleLabels();
+    bool askNewSlide() const;
+    QString text(const QString& key) const;
+
+    std::unique_ptr<Ui::frmMain> ui;
+    std::shared_ptr<clsMessage> mMessage;
+    std::shared_ptr<clsSlide> mSlide;
+    bool mChanged = false;
+    bool mActivated = false;
+    bool mDialogCancelled = false;
+    bool mUnloading = false;
+    bool mUnloaded = false;
+    int mWindowWidth = kWindowWidthUndocked;
+    int mWindowHeight = kWindowHeight;
+    bool mDocked = false;
+    std::unique_ptr<clsMMSManager> mMMSManager;
+    frmMessageList* mFrmOpen = nullptr;
+    QTimer* mTimerExitWait = nullptr;
 };

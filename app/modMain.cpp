@@ -8,6 +8,7 @@
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
 #include "config/modLanguage.h"
+#include "controls/frmSplash.h"
 #include "platform/AppPaths.h"
 #include "platform/Failure.h"
 #include "platform/VbFormat.h"
@@ -71,6 +72,16 @@ QString commandLineOf(const QStringList& arguments) {
 }
 
 std::unique_ptr<SingleInstance> gInstance;
+
+void showSplash() {
+    gSplashActive = true;
+    frmSplash* splash = frmSplash::Load();
+    if (gLocalizer)
+        gLocalizer->TranslateForm(splash);
+    splash->TranslateForm();
+    splash->show();
+    QCoreApplication::processEvents();
+}
 
 } // namespace
 
@@ -173,9 +184,8 @@ void runStartup(TessalyApplication& app) {
     gProperties = new clsPropertiesXML();
     gStarting = true;
 
-    if (showSplashWanted()) {
-        // The splash comes with the control kit.
-    }
+    if (showSplashWanted())
+        showSplash();
 
     chooseFirstRunLanguage();
     importLegacySettings();
@@ -197,9 +207,9 @@ void runStartup(TessalyApplication& app) {
     gStep = QStringLiteral("ModMain.Main - frmMain.Show");
     window->show();
 
-    if (showSplashWanted()) {
-        // The second showing of the splash comes with the control kit.
-    }
+    // The splash shows once more over the main window and runs its own timed life.
+    if (showSplashWanted())
+        showSplash();
 }
 
 } // namespace

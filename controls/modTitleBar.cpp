@@ -12,7 +12,7 @@ QRect ShowTitleBar(QWidget* form, bool show) {
     if (!show) {
         if (!window->windowTitle().isEmpty() || !window->property("tag").isValid())
             window->setProperty("tag", window->windowTitle());
-        window->setWindowTitle(QString());
+        // The title stays for the task bar and the window list; without a frame it is not drawn.
         window->setWindowFlag(Qt::FramelessWindowHint, true);
     } else {
         const QString caption = window->property("tag").toString();

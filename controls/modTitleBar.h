@@ -6,7 +6,8 @@
 class QWidget;
 
 // Takes the system title bar off a window (show false) or gives it back (show true). Taking it
-// off keeps the window's caption in its "tag" property and makes the window frameless; giving it
+// off keeps the window's caption in its "tag" property and makes the window frameless (the task
+// bar still shows the caption); giving it
 // back restores the caption from there. The client area keeps its size and place either way.
 // Returns the window's outer rectangle before the change.
 QRect ShowTitleBar(QWidget* form, bool show);

@@ -1,16 +1,86 @@
 #include "platform/Trash.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QStandardPaths>
+#include <QUrl>
+
+namespace {
+
+// The user's trash as the freedesktop.org specification lays it out: files/ and info/.
+QString homeTrash() {
+    QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    if (data.isEmpty())
+        data = QDir::homePath() + QStringLiteral("/.local/share");
+    return data + QStringLiteral("/Trash");
+}
+
+bool copyRecursively(const QString& from, const QString& to) {
+    const QFileInfo source(from);
+    if (!source.isDir())
+        return QFile::copy(from, to);
+    if (!QDir().mkpath(to))
+        return false;
+    QDirIterator it(from, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    while (it.hasNext()) {
+        const QString entry = it.next();
+        if (!copyRecursively(entry, to + QLatin1Char('/') + it.fileName()))
+            return false;
+    }
+    return true;
+}
+
+bool removeForGood(const QFileInfo& info) {
+    if (info.isDir() && !info.isSymLink())
+        return QDir(info.absoluteFilePath()).removeRecursively();
+    return QFile::remove(info.absoluteFilePath());
+}
+
+} // namespace
 
 bool moveToTrash(const QString& path) {
-    QFileInfo info(path);
+    const QFileInfo info(path);
     if (!info.exists() && !info.isSymLink())
         return false;
-    if (QFile::moveToTrash(path))
+
+    const QString trash = homeTrash();
+    const QString files = trash + QStringLiteral("/files");
+    const QString infoDir = trash + QStringLiteral("/info");
+    if (!QDir().mkpath(files) || !QDir().mkpath(infoDir))
+        return removeForGood(info);
+
+    // A free name in the trash, with its .trashinfo made first so that no other move takes it.
+    const QString base = info.fileName();
+    QString name = base;
+    QFile record;
+    for (int n = 1;; ++n) {
+        record.setFileName(infoDir + QLatin1Char('/') + name + QStringLiteral(".trashinfo"));
+        if (!QFileInfo::exists(files + QLatin1Char('/') + name) &&
+            record.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+            break;
+        if (n > 10000)
+            return removeForGood(info);
+        name = base + QLatin1Char('.') + QString::number(n + 1);
+    }
+    record.write("[Trash Info]\nPath=");
+    record.write(QUrl::toPercentEncoding(info.absoluteFilePath(), "/"));
+    record.write("\nDeletionDate=");
+    record.write(QDateTime::currentDateTime().toString(Qt::ISODate).toUtf8());
+    record.write("\n");
+    record.close();
+
+    const QString target = files + QLatin1Char('/') + name;
+    if (QDir().rename(info.absoluteFilePath(), target))
         return true;
-    if (info.isDir() && !info.isSymLink())
-        return QDir(path).removeRecursively();
-    return QFile::remove(path);
+    // Another file system: copy into the trash, then remove the original.
+    if (copyRecursively(info.absoluteFilePath(), target) && removeForGood(info))
+        return true;
+    QFileInfo copied(target);
+    if (copied.exists())
+        removeForGood(copied);
+    record.remove();
+    return false;
 }

@@ -247,7 +247,7 @@ QImage mainSkin() {
     p.fillRect(QRect(0, 36, W, H - 36), body);
     captionBar(p, W);
     logo(p, QRectF(12, 7, 22, 22));
-    wordmark(p, 42, 25, 17);
+    // The caption text is the window's own label (lblCaption), drawn by the program.
 
     // Tool tabs: the resting tabs stand out of the panel's left edge.
     for (int i = 0; i < 5; ++i) {

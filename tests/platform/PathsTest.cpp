@@ -43,5 +43,12 @@ TEST(Trash, RemovesFilesAndFolders) {
     home.write(QStringLiteral("m/message.xml"), "<x/>");
     EXPECT_TRUE(moveToTrash(home.file(QStringLiteral("m"))));
     EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("m"))));
+    EXPECT_EQ(home.read(QStringLiteral("xdg/Trash/files/m/message.xml")), QByteArray("<x/>"));
+    EXPECT_TRUE(home.read(QStringLiteral("xdg/Trash/info/m.trashinfo"))
+                    .contains("Path=" + home.file(QStringLiteral("m")).toUtf8()));
+    // A second item of the same name gets a name of its own.
+    home.write(QStringLiteral("m"), "file");
+    EXPECT_TRUE(moveToTrash(home.file(QStringLiteral("m"))));
+    EXPECT_EQ(home.read(QStringLiteral("xdg/Trash/files/m.2")), QByteArray("file"));
     EXPECT_FALSE(moveToTrash(home.file(QStringLiteral("nothing"))));
 }
