@@ -21,6 +21,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTimer>
+#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -206,6 +208,10 @@ void runStartup(TessalyApplication& app) {
     gMainWindow = window;
     gStep = QStringLiteral("ModMain.Main - frmMain.Show");
     window->show();
+
+    // For start-up timing (scripts/startup-time.sh): leave as soon as the window is up.
+    if (qEnvironmentVariableIsSet("TESSALY_QUIT_WHEN_SHOWN"))
+        QTimer::singleShot(0, &app, [] { std::_Exit(0); });
 
     // The splash shows once more over the main window and runs its own timed life.
     if (showSplashWanted())
