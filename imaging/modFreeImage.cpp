@@ -20,6 +20,9 @@ bool& started() {
 
 const QString kFrom = QStringLiteral("[FreeImage_BMP_From_DIB] ");
 
+// 64 million pixels: a quarter of a gigabyte at 32 bits.
+constexpr quint64 kMaxFreeImagePixels = quint64(1) << 26;
+
 void onFreeImageMessage(FREE_IMAGE_FORMAT, const char* message) {
     RecordFreeImageError(QString::fromLocal8Bit(message ? message : ""), true);
 }
@@ -191,8 +194,28 @@ bool FreeImage_BMP_From_DIB(FIBITMAP* dib, QImage& bitmap) {
 QImage FreeImageLoadPicture(const QString& path, int formatCode) {
     EnsureFreeImage();
     silenceTiff();
-    FIBITMAP* dib =
-        FreeImage_Load(FREE_IMAGE_FORMAT(formatCode), QFile::encodeName(path).constData(), 0);
+    const QByteArray name = QFile::encodeName(path);
+    // A damaged header can claim a picture of gigabytes: read the header alone first where the
+    // format allows it, and refuse sizes no slide picture comes near.
+    if (FreeImage_FIFSupportsNoPixels(FREE_IMAGE_FORMAT(formatCode))) {
+        FIBITMAP* header =
+            FreeImage_Load(FREE_IMAGE_FORMAT(formatCode), name.constData(), FIF_LOAD_NOPIXELS);
+        if (!header) {
+            if (lastError().isEmpty())
+                RecordFreeImageError(QStringLiteral("FreeImage_Load could not read ") + path, true);
+            return {};
+        }
+        const quint64 pixels = quint64(FreeImage_GetWidth(header)) * FreeImage_GetHeight(header);
+        FreeImage_Unload(header);
+        if (pixels > kMaxFreeImagePixels) {
+            RecordFreeImageError(QStringLiteral("%1 claims %2 pixels, more than this program reads")
+                                     .arg(path)
+                                     .arg(pixels),
+                                 true);
+            return {};
+        }
+    }
+    FIBITMAP* dib = FreeImage_Load(FREE_IMAGE_FORMAT(formatCode), name.constData(), 0);
     if (!dib) {
         if (lastError().isEmpty())
             RecordFreeImageError(QStringLiteral("FreeImage_Load could not read ") + path, true);

@@ -2,6 +2,7 @@
 // targets run under the sanitizers of any build without libFuzzer.
 // TESSALY_FUZZ_SECONDS sets the time (6 seconds unless told).
 #include <QByteArray>
+#include <QFile>
 #include <QString>
 #include <chrono>
 #include <cstdint>
@@ -69,9 +70,22 @@ QByteArray mutate(QByteArray input, std::mt19937& random) {
 
 } // namespace
 
-TEST(Fuzz, SeedsAndMutationsRunCleanly) {
+#ifndef FUZZ_SUITE
+#define FUZZ_SUITE Fuzz
+#endif
+
+TEST(FUZZ_SUITE, SeedsAndMutationsRunCleanly) {
     const std::vector<QByteArray> seeds = fuzzSeeds();
     ASSERT_FALSE(seeds.empty());
+    // TESSALY_FUZZ_WRITE_SEEDS=folder writes the seeds there, as a corpus for libFuzzer.
+    if (qEnvironmentVariableIsSet("TESSALY_FUZZ_WRITE_SEEDS")) {
+        const QString folder = qEnvironmentVariable("TESSALY_FUZZ_WRITE_SEEDS");
+        for (std::size_t i = 0; i < seeds.size(); ++i) {
+            QFile file(folder + QStringLiteral("/seed-%1").arg(i));
+            if (file.open(QIODevice::WriteOnly))
+                file.write(seeds[i]);
+        }
+    }
     for (const QByteArray& seed : seeds)
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(seed.constData()),
                                std::size_t(seed.size()));

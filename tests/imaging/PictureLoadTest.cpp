@@ -178,3 +178,20 @@ TEST(FreeImageBridge, ConversionFailuresRecordTheirTexts) {
     RecordFreeImageError(QStringLiteral("third"), false);
     EXPECT_EQ(lastFreeImageError(), QStringLiteral("third"));
 }
+
+TEST_F(PictureLoad, AHeaderClaimingAHugePictureIsRefused) {
+    // A Targa header of 60000 by 60000 pixels at 24 bits and no pixel data.
+    QByteArray tga(18, '\0');
+    tga[2] = 2;
+    tga[12] = char(0x60);
+    tga[13] = char(0xEA);
+    tga[14] = char(0x60);
+    tga[15] = char(0xEA);
+    tga[16] = 24;
+    writeFile(path("huge.tga"), tga);
+    clearFreeImageError();
+    EXPECT_TRUE(LoadPictureFile(path("huge.tga")).isNull());
+    EXPECT_TRUE(lastFreeImageError().contains(QStringLiteral("claims 3600000000 pixels")))
+        << lastFreeImageError().toStdString();
+    EXPECT_TRUE(responder.boxes.empty());
+}
