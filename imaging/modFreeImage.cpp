@@ -1,10 +1,19 @@
 #include "imaging/modFreeImage.h"
 
 #include <FreeImage.h>
+#include <QDeadlineTimer>
 #include <QFile>
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -191,9 +200,9 @@ bool FreeImage_BMP_From_DIB(FIBITMAP* dib, QImage& bitmap) {
     return true;
 }
 
-QImage FreeImageLoadPicture(const QString& path, int formatCode) {
-    EnsureFreeImage();
-    silenceTiff();
+namespace {
+
+QImage loadHere(const QString& path, int formatCode) {
     const QByteArray name = QFile::encodeName(path);
     // A damaged header can claim a picture of gigabytes: read the header alone first where the
     // format allows it, and refuse sizes no slide picture comes near.
@@ -226,4 +235,109 @@ QImage FreeImageLoadPicture(const QString& path, int formatCode) {
     // The converted picture owns its pixels: the FreeImage bitmap is not needed any more.
     FreeImage_Unload(dib);
     return converted ? picture : QImage();
+}
+
+} // namespace
+
+namespace {
+
+bool writeAll(int fd, const void* data, std::size_t size) {
+    const auto* bytes = static_cast<const char*>(data);
+    while (size > 0) {
+        const ssize_t n = ::write(fd, bytes, size);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        bytes += n;
+        size -= std::size_t(n);
+    }
+    return true;
+}
+
+// Reads exactly `size` bytes, waiting at most until `deadline`.
+bool readAll(int fd, void* data, std::size_t size, const QDeadlineTimer& deadline) {
+    auto* bytes = static_cast<char*>(data);
+    while (size > 0) {
+        pollfd wait{fd, POLLIN, 0};
+        const int ready = ::poll(&wait, 1, int(std::max<qint64>(deadline.remainingTime(), 0)));
+        if (ready < 0 && errno == EINTR)
+            continue;
+        if (ready <= 0)
+            return false;
+        const ssize_t n = ::read(fd, bytes, size);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        bytes += n;
+        size -= std::size_t(n);
+    }
+    return true;
+}
+
+} // namespace
+
+QImage FreeImageLoadPicture(const QString& path, int formatCode) {
+    EnsureFreeImage();
+    silenceTiff();
+    // FreeImage's decoders can overrun their buffers on damaged files. The picture is decoded in
+    // a child process, so that such a file costs only that child: the program goes on without
+    // a picture.
+    int fds[2];
+    if (::pipe2(fds, O_CLOEXEC) != 0)
+        return loadHere(path, formatCode);
+    const pid_t child = ::fork();
+    if (child < 0) {
+        ::close(fds[0]);
+        ::close(fds[1]);
+        return loadHere(path, formatCode);
+    }
+    if (child == 0) {
+        ::close(fds[0]);
+        lastError().clear();
+        const QImage picture = loadHere(path, formatCode);
+        const QByteArray error = lastError().toUtf8();
+        const std::int32_t header[4] = {picture.isNull() ? 0 : 1, std::int32_t(error.size()),
+                                        picture.width(), picture.height()};
+        bool ok = writeAll(fds[1], header, sizeof header) &&
+                  writeAll(fds[1], error.constData(), std::size_t(error.size()));
+        for (int y = 0; ok && y < picture.height(); ++y)
+            ok = writeAll(fds[1], picture.constScanLine(y), std::size_t(picture.width()) * 4);
+        ::_exit(ok ? 0 : 1);
+    }
+    ::close(fds[1]);
+    const QDeadlineTimer deadline(20000);
+    std::int32_t header[4] = {0, 0, 0, 0};
+    bool complete = readAll(fds[0], header, sizeof header, deadline);
+    QByteArray error;
+    QImage picture;
+    if (complete && header[1] >= 0 && header[1] <= 65536) {
+        error.resize(header[1]);
+        complete = readAll(fds[0], error.data(), std::size_t(error.size()), deadline);
+    } else {
+        complete = false;
+    }
+    if (complete && header[0] == 1) {
+        const quint64 pixels = quint64(std::uint32_t(header[2])) * std::uint32_t(header[3]);
+        if (header[2] > 0 && header[3] > 0 && pixels <= kMaxFreeImagePixels)
+            picture = QImage(header[2], header[3], QImage::Format_RGB32);
+        complete = !picture.isNull();
+        for (int y = 0; complete && y < picture.height(); ++y)
+            complete =
+                readAll(fds[0], picture.scanLine(y), std::size_t(picture.width()) * 4, deadline);
+    }
+    ::close(fds[0]);
+    int status = 0;
+    if (!complete)
+        ::kill(child, SIGKILL);
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (!complete || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+        RecordFreeImageError(QStringLiteral("FreeImage failed to decode ") + path, true);
+        return {};
+    }
+    if (!error.isEmpty())
+        RecordFreeImageError(QString::fromUtf8(error), true);
+    return header[0] == 1 ? picture : QImage();
 }

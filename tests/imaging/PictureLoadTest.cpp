@@ -195,3 +195,21 @@ TEST_F(PictureLoad, AHeaderClaimingAHugePictureIsRefused) {
         << lastFreeImageError().toStdString();
     EXPECT_TRUE(responder.boxes.empty());
 }
+
+TEST_F(PictureLoad, APictureThatBreaksTheDecoderCostsOnlyThePicture) {
+    // An RLE Photoshop file whose first run overflows its row: FreeImage writes past its
+    // buffer on it. The program must go on without the picture.
+    const QByteArray psd =
+        QByteArray::fromHex("3842505300010000000000000003000000040000000400080003000000000000000000"
+                            "000000000100000000"
+                            "00000003000000040000000400080003000000000000000000000000") +
+        QByteArray(90, '\x40');
+    writeFile(path("broken.psd"), psd);
+    clearFreeImageError();
+    EXPECT_TRUE(LoadPictureFile(path("broken.psd")).isNull());
+    EXPECT_FALSE(lastFreeImageError().isEmpty());
+    EXPECT_TRUE(responder.boxes.empty());
+    // And the next picture loads as usual.
+    writeFile(path("fine.png"), encoded(picture, "PNG"));
+    EXPECT_EQ(LoadPictureFile(path("fine.png")), picture.convertToFormat(QImage::Format_RGB32));
+}
