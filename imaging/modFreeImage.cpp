@@ -295,6 +295,9 @@ QImage FreeImageLoadPicture(const QString& path, int formatCode) {
     }
     if (child == 0) {
         ::close(fds[0]);
+        // A decoder fault ends the child quietly; the parent reports it.
+        for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
+            ::signal(fault, SIG_DFL);
         lastError().clear();
         const QImage picture = loadHere(path, formatCode);
         const QByteArray error = lastError().toUtf8();
