@@ -25,16 +25,6 @@ void GifLzwCoder::ResetTable() {
     mKeys.fill(0);
 }
 
-int GifLzwCoder::FindString(int prefix, int pixel) const {
-    const std::uint32_t key = (std::uint32_t(prefix) << 8 | std::uint32_t(pixel)) + 1;
-    for (std::uint32_t slot = slotOf(key);; slot = (slot + 1) & (kSlots - 1)) {
-        if (mKeys[slot] == key)
-            return mCodes[slot];
-        if (mKeys[slot] == 0)
-            return -1;
-    }
-}
-
 void GifLzwCoder::AddString(int prefix, int pixel) {
     const std::uint32_t key = (std::uint32_t(prefix) << 8 | std::uint32_t(pixel)) + 1;
     std::uint32_t slot = slotOf(key);
@@ -49,37 +39,12 @@ void GifLzwCoder::AddString(int prefix, int pixel) {
     }
 }
 
-int GifLzwCoder::CompressPixel(int value, int count) {
-    if (count == 1) {
-        pendingCode = value;
-        return -1;
-    }
-    const int found = FindString(pendingCode, value);
-    if (found >= 0) {
-        pendingCode = found;
-        return -1;
-    }
-    const int code = pendingCode;
-    AddString(pendingCode, value);
-    pendingCode = value;
-    return code;
-}
-
-void GifLzwCoder::WriteCode(int code) {
-    bitBuffer |= (std::uint32_t(code) & ((1u << mCodeSize) - 1)) << bitCount;
-    bitCount += mCodeSize;
-    while (bitCount >= 8) {
-        WriteBlockByte(int(bitBuffer & 0xFF));
-        bitBuffer >>= 8;
-        bitCount -= 8;
-    }
-    if (code == mEndCode) {
-        // What is left goes out as one byte, a zero byte when nothing is left.
-        WriteBlockByte(int(bitBuffer & 0xFF));
-        bitBuffer = 0;
-        bitCount = 0;
-        WriteBlockByte(-1);
-    }
+void GifLzwCoder::finishBlocks() {
+    // What is left goes out as one byte, a zero byte when nothing is left.
+    WriteBlockByte(int(bitBuffer & 0xFF));
+    bitBuffer = 0;
+    bitCount = 0;
+    WriteBlockByte(-1);
 }
 
 void GifLzwCoder::FinishStream() {
@@ -95,7 +60,7 @@ void GifLzwCoder::FinishStream() {
     WriteCode(mEndCode);
 }
 
-void GifLzwCoder::WriteBlockByte(int value) {
+void GifLzwCoder::writeBlockByteSlow(int value) {
     auto flush = [this] {
         mOut.push_back(std::uint8_t(blockCount));
         mOut.insert(mOut.end(), block.begin(), block.begin() + blockCount);

@@ -15,15 +15,45 @@ public:
     void Initialise(int bitsPerPixel);
     // Takes one pixel; `count` is 1 for the first pixel after a start or a reset. Returns the
     // code to write, or -1 for none.
-    int CompressPixel(int value, int count);
+    int CompressPixel(int value, int count) {
+        if (count == 1) {
+            pendingCode = value;
+            return -1;
+        }
+        const int found = FindString(pendingCode, value);
+        if (found >= 0) {
+            pendingCode = found;
+            return -1;
+        }
+        const int code = pendingCode;
+        AddString(pendingCode, value);
+        pendingCode = value;
+        return code;
+    }
     // The code of the pixels matched so far.
     int Flush() const { return pendingCode; }
-    void WriteCode(int code);
+    void WriteCode(int code) {
+        bitBuffer |= (std::uint32_t(code) & ((1u << mCodeSize) - 1)) << bitCount;
+        bitCount += mCodeSize;
+        while (bitCount >= 8) {
+            WriteBlockByte(int(bitBuffer & 0xFF));
+            bitBuffer >>= 8;
+            bitCount -= 8;
+        }
+        if (code == mEndCode)
+            finishBlocks();
+    }
     // Writes the code of the pending pixels and the end code, each as wide as a decoder reads
     // it: a decoder widens its codes one code later than the coder, which matters only when the
     // stream stops just there.
     void FinishStream();
-    void WriteBlockByte(int value);
+    void WriteBlockByte(int value) {
+        if (value >= 0 && blockCount < 254) {
+            block[std::size_t(blockCount++)] = std::uint8_t(value);
+            return;
+        }
+        writeBlockByteSlow(value);
+    }
     void ResetTable();
 
     int minCodeSize() const { return mMinCodeSize; }
@@ -37,7 +67,17 @@ public:
 
 private:
     void AddString(int prefix, int pixel);
-    int FindString(int prefix, int pixel) const;
+    int FindString(int prefix, int pixel) const {
+        const std::uint32_t key = (std::uint32_t(prefix) << 8 | std::uint32_t(pixel)) + 1;
+        for (std::uint32_t slot = (key * 2654435761u) >> 22;; slot = (slot + 1) & (kSlots - 1)) {
+            if (mKeys[slot] == key)
+                return mCodes[slot];
+            if (mKeys[slot] == 0)
+                return -1;
+        }
+    }
+    void writeBlockByteSlow(int value);
+    void finishBlocks();
 
     std::vector<std::uint8_t>& mOut;
     int mMinCodeSize = 0;
