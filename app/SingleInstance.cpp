@@ -38,7 +38,12 @@ bool SingleInstance::listen(std::function<void()> onActivate) {
     mServer = new QLocalServer(this);
     mServer->setSocketOptions(QLocalServer::UserAccessOption);
     if (!mServer->listen(mKey)) {
-        // A socket left behind by a crashed instance: nobody answered on it, so take it over.
+        // Another start may have begun listening a moment ago; only a socket that nobody
+        // answers on (left behind by a crash) is taken over.
+        QLocalSocket probe;
+        probe.connectToServer(mKey);
+        if (probe.waitForConnected(200))
+            return false;
         QLocalServer::removeServer(mKey);
         if (!mServer->listen(mKey))
             return false;

@@ -17,7 +17,8 @@ bool TessalyApplication::notify(QObject* receiver, QEvent* event) {
     try {
         return QApplication::notify(receiver, event);
     } catch (const Failure& failure) {
-        reportFailure(failure, failure.source());
+        // During start-up the box names the start-up step, as Main's own handler does.
+        reportFailure(failure, gStarting ? currentStep() : failure.source());
     } catch (const std::exception& e) {
         reportFailure(Failure(FailureNumber::InvalidProcedureCall, QStringLiteral("Tessaly"),
                               QString::fromLocal8Bit(e.what())),

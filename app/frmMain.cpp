@@ -41,6 +41,12 @@ void pumpEvents() {
     QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
 }
 
+// Lets window events run until the splash has gone, sleeping between events.
+void waitForSplash() {
+    while (gSplashActive)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
 // Menu keys of the bar.
 enum MenuKey : std::int32_t {
     kFileNew = 1,
@@ -177,8 +183,7 @@ void frmMain::Form_Activate() {
     if (!mMessage)
         NewMessage(gUntitledName);
 
-    while (gSplashActive)
-        pumpEvents();
+    waitForSplash();
 
     gStarting = false;
 }
@@ -319,8 +324,7 @@ bool frmMain::RequestExit() {
             if (!mMessage) {
                 exit = true;
             } else if (mMessage->name() != gUntitledName) {
-                SaveCurrentMessage(false);
-                exit = true;
+                exit = SaveCurrentMessage(false);
             } else {
                 exit = !ShowSaveAsDialog();
             }
@@ -354,8 +358,7 @@ void frmMain::Form_Unload() {
     if (mUnloaded)
         return;
     mUnloaded = true;
-    while (gSplashActive)
-        pumpEvents();
+    waitForSplash();
 
     // Pictures taken from the picture browser stay in the work folder.
     QDir(joinPath(appFolder(), QStringLiteral("Work"))).exists();
@@ -609,18 +612,23 @@ void frmMain::OpenMessage(const QString& name, bool askFirst) {
     mChanged = false;
 }
 
-void frmMain::SaveCurrentMessage(bool askName) {
+bool frmMain::SaveCurrentMessage(bool askName) {
     if (!mMessage)
-        return;
+        return true;
     StoreSlideFromUI();
     if (askName) {
         ShowSaveAsDialog();
-        return;
+        return true;
     }
-    if (!mMessage->SaveMessage())
+    // A failed save is said, and the message stays marked as changed so that nothing is lost
+    // without a question.
+    if (!mMessage->SaveMessage()) {
         MsgBox(text(QStringLiteral("STR_SAVE_MSG_ERROR")), Vb::Critical,
                text(QStringLiteral("STR_ERROR")));
+        return false;
+    }
     mChanged = false;
+    return true;
 }
 
 void frmMain::SaveMessageAs(const QString& name) {
@@ -635,9 +643,13 @@ void frmMain::SaveMessageAs(const QString& name) {
         saved = mMessage->SaveMessage();
         UpdateTitle();
     }
-    if (!saved)
+    if (!saved) {
+        // A save that did not happen counts as a cancelled dialog, so an exit waits for it.
         MsgBox(text(QStringLiteral("STR_SAVE_MSG_ERROR")), Vb::Critical,
                text(QStringLiteral("STR_ERROR")));
+        mDialogCancelled = true;
+        return;
+    }
     mChanged = false;
 }
 

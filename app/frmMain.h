@@ -45,7 +45,8 @@ public:
     bool RequestExit();
     void NewMessage(const QString& name);
     void OpenMessage(const QString& name, bool askFirst);
-    void SaveCurrentMessage(bool askName);
+    // False when the message could not be written.
+    bool SaveCurrentMessage(bool askName);
     void SaveMessageAs(const QString& name);
     void AskSaveCurrent();
     void DeleteMessages(const QString& names);

@@ -91,11 +91,6 @@ QString currentStep() {
     return gStep;
 }
 
-bool hasWaveOutDevice() {
-    // The sound layer arrives with the audio subsystem; until then there is no output device.
-    return false;
-}
-
 void chooseFirstRunLanguage() {
     const QString initialized =
         gProperties->GetProp(kPreferences, QStringLiteral("Initialized"), QString());
@@ -225,28 +220,39 @@ int Main(int argc, char** argv) {
 
     // A second start brings the first one forward and leaves without a word.
     gInstance = std::make_unique<SingleInstance>(SingleInstance::defaultKey());
-    if (gInstance->activateRunningInstance())
+    if (gInstance->activateRunningInstance()) {
+        gInstance.reset();
         return 0;
-    gInstance->listen([] {
-        if (gMainWindow) {
-            gMainWindow->showNormal();
-            gMainWindow->raise();
-            gMainWindow->activateWindow();
+    }
+    if (!gInstance->listen([] {
+            if (gMainWindow) {
+                gMainWindow->showNormal();
+                gMainWindow->raise();
+                gMainWindow->activateWindow();
+            }
+        })) {
+        // Another start won the race for the socket: it is the one instance.
+        if (gInstance->activateRunningInstance()) {
+            gInstance.reset();
+            return 0;
         }
-    });
+    }
 
     try {
         runStartup(app);
     } catch (const Failure& failure) {
         reportFailure(failure, gStep);
+        gInstance.reset();
         return 1;
     } catch (const std::exception& e) {
         reportFailure(Failure(FailureNumber::InvalidProcedureCall, QStringLiteral("Main"),
                               QString::fromLocal8Bit(e.what())),
                       gStep);
+        gInstance.reset();
         return 1;
     }
     const int code = app.exec();
+    gInstance.reset();
     releaseLocalizer();
     return code;
 }

@@ -9,9 +9,6 @@ class Failure;
 // The whole program: makes the application, runs the start-up steps and the event loop.
 int Main(int argc, char** argv);
 
-// True when the sound layer sees at least one output device.
-bool hasWaveOutDevice();
-
 // The first-run language choice: on a store whose `Initialized` is "" or "0", writes the
 // system's language (or its base language, or "en-us") to `Language` and marks the store.
 void chooseFirstRunLanguage();

@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QSaveFile>
+#include <QStringDecoder>
 
 namespace {
 
@@ -51,7 +52,13 @@ bool clsProperties::read(Contents& contents) const {
     QFile file(mIniFileName);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    // Older installations wrote their settings in the Windows code page rather than UTF-8.
+    const QByteArray bytes = file.readAll();
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    QString text = utf8.decode(bytes);
+    if (utf8.hasError())
+        text = QStringDecoder(QStringDecoder::Latin1).decode(bytes);
+    const QStringList lines = text.split(QLatin1Char('\n'));
     Section* current = nullptr;
     for (QString line : lines) {
         if (line.endsWith(QLatin1Char('\r')))

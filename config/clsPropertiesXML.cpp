@@ -142,6 +142,8 @@ short clsPropertiesXML::GetKeyNodes(QStringList& names, const QString& section) 
 bool clsPropertiesXML::SaveXmlFile() {
     try {
         ensureInitialized();
+        if (mKeepFile)
+            return false;
         ByteWriter writer;
         for (pugi::xml_node node = mDocument.first_child(); node; node = node.next_sibling()) {
             node.print(writer, "", pugi::format_raw, pugi::encoding_utf8);
@@ -247,6 +249,13 @@ void clsPropertiesXML::DeleteApplication(const QString& application) {
     pugi::xml_node root = mDocument.select_node("APPLICATIONS").node();
     const pugi::xml_node node = findApplicationNode(application);
     if (root && node) {
+        // The store keeps working on the application it was bound to, now outside the document:
+        // later writes change only that detached copy and never reach the file.
+        if (node == mApplicationNode) {
+            mDetached.reset();
+            mApplicationNode = mDetached.append_copy(node);
+            mSectionsNode = mApplicationNode.child("SECTIONS");
+        }
         root.remove_child(node);
         mDirty = true;
     }
@@ -305,11 +314,12 @@ void clsPropertiesXML::loadDocument(const QString& file) {
     if (loaded)
         return;
 
-    // A file that exists but cannot be used is kept aside before anything overwrites it.
+    // A file that exists but cannot be used is kept aside before anything overwrites it; when
+    // not even that works, the store leaves the file alone.
     if (QFileInfo::exists(file)) {
         const QString backup = file + QStringLiteral(".bak");
         QFile::remove(backup);
-        QFile::copy(file, backup);
+        mKeepFile = !QFile::copy(file, backup) && !QFile::rename(file, backup);
     }
     mDocument.reset();
     mDocument.load_string(kNewDocument);

@@ -61,8 +61,10 @@ private:
     QString mFileName;
     QString mApplicationName;
     pugi::xml_document mDocument;
+    pugi::xml_document mDetached; // holds the application node after DeleteApplication
     pugi::xml_node mApplicationNode;
     pugi::xml_node mSectionsNode;
     bool mDirty = false;
     bool mInitialized = false;
+    bool mKeepFile = false; // an unusable file that could not be kept aside is never overwritten
 };

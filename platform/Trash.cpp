@@ -10,7 +10,7 @@
 
 namespace {
 
-// The user's trash as the freedesktop.org specification lays it out: files/ and info/.
+// The user's trash in the freedesktop.org layout: files/ and info/.
 QString homeTrash() {
     QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
     if (data.isEmpty())
@@ -75,12 +75,14 @@ bool moveToTrash(const QString& path) {
     const QString target = files + QLatin1Char('/') + name;
     if (QDir().rename(info.absoluteFilePath(), target))
         return true;
-    // Another file system: copy into the trash, then remove the original.
-    if (copyRecursively(info.absoluteFilePath(), target) && removeForGood(info))
-        return true;
-    QFileInfo copied(target);
-    if (copied.exists())
-        removeForGood(copied);
-    record.remove();
-    return false;
+    // Another file system: copy into the trash, then remove the original. Once the copy is whole
+    // it stays, even when the original cannot be removed completely.
+    if (!copyRecursively(info.absoluteFilePath(), target)) {
+        QFileInfo copied(target);
+        if (copied.exists())
+            removeForGood(copied);
+        record.remove();
+        return false;
+    }
+    return removeForGood(info);
 }

@@ -106,13 +106,18 @@ TEST_F(MainWindow, CloseBoxAsksLikeExitAndGoesAfterTheTimer) {
     EXPECT_EQ(boxes.boxes[0].text, gLocalizer->GetString(QStringLiteral("ASK_EXIT")));
     EXPECT_TRUE(window->isVisible()) << "No stays in the program";
 
+    gProperties->SetProp(QStringLiteral("preferences"), QStringLiteral("SelectedTool"),
+                         QStringLiteral("3"));
     boxes.boxAnswers = {Vb::Yes};
     window->close();
     EXPECT_TRUE(window->TimerExitWait()->isActive());
     EXPECT_TRUE(window->isVisible()) << "the window waits for the timer";
     EXPECT_EQ(window->TimerExitWait()->interval(), 100);
     QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 2000);
-    EXPECT_EQ(gProperties, nullptr) << "the unload saved and released the preferences";
+    EXPECT_EQ(gProperties, nullptr) << "the unload released the preferences";
+    EXPECT_TRUE(
+        home.read(QStringLiteral("tessaly.xml")).contains("<KEY name=\"SelectedTool\">3</KEY>"))
+        << "and saved them";
 }
 
 TEST_F(MainWindow, ExitWaitsWhileStartUpRuns) {
@@ -141,13 +146,66 @@ TEST_F(MainWindow, ExitWithChangesAndCancelledSaveAsStays) {
     EXPECT_EQ(window->message()->Slides()->Item(1)->Text(), QStringLiteral("Hello"));
 }
 
-TEST_F(MainWindow, ExitWithChangesCancelStaysAndNoLeaves) {
-    window->setChanged(true);
+TEST_F(MainWindow, ExitWithChangesCancelStaysAndNoLeavesTheStoreAlone) {
+    storeMessage(QStringLiteral("Kept"), 1);
+    window->OpenMessage(QStringLiteral("Kept"), false);
+    const QByteArray before = home.read(QStringLiteral("Messages/Kept/message.xml"));
+    window->findChild<QPlainTextEdit*>(QStringLiteral("txtMessage"))
+        ->setPlainText(QStringLiteral("Edited"));
     boxes.boxAnswers = {Vb::Cancel};
     EXPECT_FALSE(window->RequestExit());
+    EXPECT_FALSE(window->TimerExitWait()->isActive());
     boxes.boxAnswers = {Vb::No};
     EXPECT_TRUE(window->RequestExit());
-    EXPECT_FALSE(stored(untitled())) << "No leaves without saving";
+    EXPECT_EQ(home.read(QStringLiteral("Messages/Kept/message.xml")), before)
+        << "No leaves without saving";
+}
+
+TEST_F(MainWindow, ExitWithChangesYesSavesANamedMessage) {
+    storeMessage(QStringLiteral("Kept"), 1);
+    window->OpenMessage(QStringLiteral("Kept"), false);
+    window->findChild<QPlainTextEdit*>(QStringLiteral("txtMessage"))
+        ->setPlainText(QStringLiteral("Edited"));
+    boxes.boxAnswers = {Vb::Yes};
+    EXPECT_TRUE(window->RequestExit());
+    EXPECT_TRUE(window->TimerExitWait()->isActive());
+    EXPECT_EQ(window->MMSManager()->OpenMsg(QStringLiteral("Kept"))->Slides()->Item(1)->Text(),
+              QStringLiteral("Edited"));
+}
+
+TEST_F(MainWindow, ExitStaysWhenTheSaveFails) {
+    // A name longer than any file system allows: the save cannot succeed.
+    window->message()->setName(QString(300, QLatin1Char('n')));
+    window->setChanged(true);
+    boxes.boxAnswers = {Vb::Yes};
+    EXPECT_FALSE(window->RequestExit());
+    EXPECT_FALSE(window->TimerExitWait()->isActive());
+    ASSERT_EQ(boxes.boxes.size(), 2u);
+    EXPECT_EQ(boxes.boxes[1].text, gLocalizer->GetString(QStringLiteral("STR_SAVE_MSG_ERROR")));
+    EXPECT_EQ(boxes.boxes[1].style, Vb::Critical);
+    EXPECT_TRUE(window->changed());
+}
+
+TEST_F(MainWindow, SaveOfTheUntitledMessageAsksForAName) {
+    int mode = 0;
+    whenModal([&mode](QWidget* dialog) {
+        mode = static_cast<frmMessageList*>(dialog)->mode();
+        static_cast<frmMessageList*>(dialog)->reject();
+    });
+    window->ctlMainMenu1_MenuClick(3);
+    EXPECT_EQ(mode, frmMessageList::SaveAs);
+    EXPECT_FALSE(stored(untitled()));
+}
+
+TEST_F(MainWindow, MissingSkinPictureIsReportedAndTheWindowGoesOn) {
+    gProperties->SetProp(QStringLiteral("Skin_Default"), QStringLiteral("BackPicture"),
+                         QStringLiteral("\\skin\\none.bmp"));
+    window->ApplySettings();
+    ASSERT_EQ(boxes.boxes.size(), 1u);
+    EXPECT_EQ(boxes.boxes[0].title, QStringLiteral("InitSkin"));
+    EXPECT_EQ(boxes.boxes[0].text, QStringLiteral("The background bitmap could not be loaded!"));
+    EXPECT_EQ(boxes.boxes[0].style, Vb::Exclamation);
+    EXPECT_EQ(window->size(), QSize(644, 488));
 }
 
 TEST_F(MainWindow, TemplateItemsDoNothing) {

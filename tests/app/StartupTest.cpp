@@ -90,6 +90,9 @@ TEST(FailureReport, OtherFailuresNameTheStepAndTheNumber) {
                   QStringLiteral("ModMain.Main - Program Properties"));
     ASSERT_EQ(boxes.boxes.size(), 1u);
     EXPECT_EQ(boxes.boxes[0].style, 16);
+    // Without a localiser the keys stand for their texts.
+    EXPECT_EQ(boxes.boxes[0].title, QStringLiteral("STR_ERROR"));
+    EXPECT_TRUE(boxes.boxes[0].text.startsWith(QStringLiteral("STR_ERROR_UNEXPECTEDModMain")));
     EXPECT_TRUE(boxes.boxes[0].text.endsWith(
         QStringLiteral("ModMain.Main - Program Properties\n\nObject missing (91)")));
 }

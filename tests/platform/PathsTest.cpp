@@ -22,6 +22,7 @@ TEST(Paths, EitherSeparatorAndRelativeValues) {
     EXPECT_EQ(resolveAppPath(QStringLiteral("\\language\\tessaly")),
               home.path() + QStringLiteral("/language/tessaly/"));
     EXPECT_EQ(resolveAppPath(QStringLiteral("/srv/msgs")), QStringLiteral("/srv/msgs/"));
+    EXPECT_EQ(resolveAppPath(QStringLiteral("plain")), QStringLiteral("plain/"));
     EXPECT_EQ(resolveAppPath(QString()), QString());
     EXPECT_EQ(fileNameOf(QStringLiteral("C:\\a\\b.gif")), QStringLiteral("b.gif"));
 }
