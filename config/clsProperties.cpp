@@ -96,26 +96,30 @@ bool clsProperties::write(const Contents& contents) const {
     return file.commit();
 }
 
+clsProperties::Section* clsProperties::Contents::section(const QString& name, bool create) {
+    for (Section& s : sections)
+        if (s.name.compare(name, Qt::CaseInsensitive) == 0)
+            return &s;
+    if (!create)
+        return nullptr;
+    sections.append({name, {}});
+    return &sections.last();
+}
+
 QString clsProperties::GetProp(const QString& section, const QString& key,
                                const QString& defaultValue) const {
     Contents contents;
     QString result = defaultValue;
-    if (read(contents)) {
-        for (const Section& s : contents.sections) {
-            if (s.name.compare(section, Qt::CaseInsensitive) != 0)
-                continue;
-            for (const QString& line : s.lines) {
-                QString k, v;
-                if (isEntryLine(line) && splitEntry(line, k, v) &&
-                    k.compare(key, Qt::CaseInsensitive) == 0) {
-                    if (v.size() >= 2 &&
-                        ((v.front() == QLatin1Char('"') && v.back() == QLatin1Char('"')) ||
-                         (v.front() == QLatin1Char('\'') && v.back() == QLatin1Char('\''))))
-                        v = v.mid(1, v.size() - 2);
-                    result = v;
-                    break;
-                }
-            }
+    const Section* found = read(contents) ? contents.section(section, false) : nullptr;
+    for (const QString& line : found ? found->lines : QStringList()) {
+        QString k, v;
+        if (isEntryLine(line) && splitEntry(line, k, v) &&
+            k.compare(key, Qt::CaseInsensitive) == 0) {
+            if (v.size() >= 2 &&
+                ((v.front() == QLatin1Char('"') && v.back() == QLatin1Char('"')) ||
+                 (v.front() == QLatin1Char('\'') && v.back() == QLatin1Char('\''))))
+                v = v.mid(1, v.size() - 2);
+            result = v;
             break;
         }
     }
@@ -125,16 +129,7 @@ QString clsProperties::GetProp(const QString& section, const QString& key,
 short clsProperties::SetProp(const QString& section, const QString& key, const QString& value) {
     Contents contents;
     read(contents);
-    Section* target = nullptr;
-    for (Section& s : contents.sections)
-        if (s.name.compare(section, Qt::CaseInsensitive) == 0) {
-            target = &s;
-            break;
-        }
-    if (!target) {
-        contents.sections.append({section, {}});
-        target = &contents.sections.last();
-    }
+    Section* target = contents.section(section, true);
     bool replaced = false;
     for (QString& line : target->lines) {
         QString k, v;
@@ -168,17 +163,11 @@ short clsProperties::GetSections(QStringList& list) const {
 short clsProperties::GetPropList(const QString& section, QStringList& list) const {
     Contents contents;
     QStringList entries;
-    if (read(contents)) {
-        for (const Section& s : contents.sections) {
-            if (s.name.compare(section, Qt::CaseInsensitive) != 0)
-                continue;
-            for (const QString& line : s.lines) {
-                QString k, v;
-                if (isEntryLine(line) && splitEntry(line, k, v))
-                    entries << k + QLatin1Char('=') + v;
-            }
-            break;
-        }
+    const Section* found = read(contents) ? contents.section(section, false) : nullptr;
+    for (const QString& line : found ? found->lines : QStringList()) {
+        QString k, v;
+        if (isEntryLine(line) && splitEntry(line, k, v))
+            entries << k + QLatin1Char('=') + v;
     }
     list = throughListBuffer(entries);
     return static_cast<short>(list.size() - 1);
@@ -187,16 +176,7 @@ short clsProperties::GetPropList(const QString& section, QStringList& list) cons
 short clsProperties::SetPropList(const QString& section, const QStringList& list) {
     Contents contents;
     read(contents);
-    Section* target = nullptr;
-    for (Section& s : contents.sections)
-        if (s.name.compare(section, Qt::CaseInsensitive) == 0) {
-            target = &s;
-            break;
-        }
-    if (!target) {
-        contents.sections.append({section, {}});
-        target = &contents.sections.last();
-    }
+    Section* target = contents.section(section, true);
     target->lines = list;
     return write(contents) ? 1 : 0;
 }

@@ -32,6 +32,8 @@ private:
     struct Contents {
         QStringList preamble; // lines before the first section
         QList<Section> sections;
+        // The section of that name (case does not count); with `create`, a new one at the end.
+        Section* section(const QString& name, bool create);
     };
     bool read(Contents& contents) const;
     bool write(const Contents& contents) const;
