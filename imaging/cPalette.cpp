@@ -288,18 +288,41 @@ const std::array<std::uint16_t, 256>& channelPaths() {
     return paths;
 }
 
+// The child slot of a colour at each level, 3 bits a level from bit 0 for level 1: red in the
+// low bit of each group, then green, then blue. The slots of a colour are the bits of its three
+// channels' tables ORed together.
+struct SlotTables {
+    std::array<std::uint64_t, 256> red{}, green{}, blue{};
+};
+
+const SlotTables& slotTables() {
+    static const SlotTables tables = [] {
+        SlotTables out;
+        const auto& paths = channelPaths();
+        for (int value = 0; value < 256; ++value) {
+            std::uint64_t spread = 0;
+            for (int level = 0; level < 16; ++level)
+                if (paths[std::size_t(value)] & (1u << level))
+                    spread |= std::uint64_t(1) << (3 * level);
+            out.red[std::size_t(value)] = spread;
+            out.green[std::size_t(value)] = spread << 1;
+            out.blue[std::size_t(value)] = spread << 2;
+        }
+        return out;
+    }();
+    return tables;
+}
+
 } // namespace
 
 void cPalette::AddColourToTree(std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
-    const auto& paths = channelPaths();
-    const unsigned redPath = paths[red], greenPath = paths[green], bluePath = paths[blue];
+    const SlotTables& tables = slotTables();
+    const std::uint64_t steps = tables.red[red] | tables.green[green] | tables.blue[blue];
     std::int32_t node = 1;
     for (int level = 1;; ++level) {
         if (level > 16)
             raiseSubscript();
-        const int shift = level - 1;
-        const int slot = int(((redPath >> shift) & 1u) | (((greenPath >> shift) & 1u) << 1) |
-                             (((bluePath >> shift) & 1u) << 2));
+        const int slot = int((steps >> (3 * (level - 1))) & 7u);
 
         std::int32_t child = nodes[std::size_t(node)].children[std::size_t(slot)];
         if (child == 0) {
@@ -428,26 +451,33 @@ void cPalette::ApplyPalette(cDIBSection& source, cDIBSection& destination, cDIBS
 
     if (indices)
         indices->assign(std::size_t(width) * std::size_t(height), 0);
+    // Mapping a buffer onto itself leaves no error to carry: each pixel already holds its
+    // palette colour when the error is measured.
+    if (in == out)
+        dither = false;
     const bool fast = mEntryCount >= 1 && mEntryCount <= 65535;
+    const Entry* table = entries.data();
     for (int y = 0; y < height; ++y) {
         std::uint8_t* row = in + std::size_t(y) * std::size_t(scanWidth);
         std::uint8_t* mapped = out + std::size_t(y) * std::size_t(scanWidth);
-        std::uint8_t* nextRow = row + scanWidth;
+        std::uint8_t* nextRow = y < height - 1 ? row + scanWidth : nullptr;
+        std::uint16_t* indexRow =
+            indices ? indices->data() + std::size_t(y) * std::size_t(width) : nullptr;
         for (int x = 0; x <= lastByte; x += 3) {
-            const int index = fast ? nearestOfBytes(row[x + 2], row[x + 1], row[x])
-                                   : ClosestIndex(row[x + 2], row[x + 1], row[x]);
-            const Entry& e = fast ? entries[std::size_t(index - 1)] : entryAt(index);
-            if (indices)
-                (*indices)[std::size_t(y) * std::size_t(width) + std::size_t(x / 3)] =
-                    std::uint16_t(index - 1);
+            const int blue = row[x], green = row[x + 1], red = row[x + 2];
+            const int index =
+                fast ? nearestOfBytes(red, green, blue) : ClosestIndex(red, green, blue);
+            const Entry& e = fast ? table[index - 1] : entryAt(index);
+            if (indexRow)
+                indexRow[x / 3] = std::uint16_t(index - 1);
             mapped[x] = e.blue;
             mapped[x + 1] = e.green;
             mapped[x + 2] = e.red;
             if (!dither)
                 continue;
-            const int errRed = row[x + 2] - mapped[x + 2];
-            const int errGreen = row[x + 1] - mapped[x + 1];
-            const int errBlue = row[x] - mapped[x];
+            const int errRed = red - e.red;
+            const int errGreen = green - e.green;
+            const int errBlue = blue - e.blue;
             if (std::abs(errRed) + std::abs(errGreen) + std::abs(errBlue) <= 3)
                 continue;
             // The red error lands on the neighbour's blue byte and the blue error on its red
@@ -457,16 +487,12 @@ void cPalette::ApplyPalette(cDIBSection& source, cDIBSection& destination, cDIBS
                 row[x + 4] = clampByte(row[x + 4] + errGreen * 7 / 16);
                 row[x + 5] = clampByte(row[x + 5] + errBlue * 7 / 16);
             }
-            if (y < height - 1) {
-                for (int d = -3; d <= 3; d += 3) {
-                    if (!(x + d > 0 && x + d < lastByte))
-                        continue;
-                    const int weight = d == 0 ? 4 : 0;
-                    std::uint8_t* target = nextRow + x + d;
-                    target[0] = clampByte(target[0] + errRed * weight / 16);
-                    target[1] = clampByte(target[1] + errGreen * weight / 16);
-                    target[2] = clampByte(target[2] + errBlue * weight / 16);
-                }
+            // Only the pixel below takes a share: the diagonal neighbours' weight is 0.
+            if (nextRow && x > 0 && x < lastByte) {
+                std::uint8_t* target = nextRow + x;
+                target[0] = clampByte(target[0] + errRed * 4 / 16);
+                target[1] = clampByte(target[1] + errGreen * 4 / 16);
+                target[2] = clampByte(target[2] + errBlue * 4 / 16);
             }
         }
         if (status)

@@ -29,6 +29,73 @@ bool& started() {
 
 const QString kFrom = QStringLiteral("[FreeImage_BMP_From_DIB] ");
 
+// FreeImage and the dozen codec libraries behind it are opened only when a picture in one of
+// its formats is read, so that the program and tessaly-img start without them.
+struct FreeImageLibrary {
+    void* handle = nullptr;
+    QString failure; // why the library could not be used
+    decltype(&::FreeImage_Initialise) Initialise = nullptr;
+    decltype(&::FreeImage_DeInitialise) DeInitialise = nullptr;
+    decltype(&::FreeImage_SetOutputMessage) SetOutputMessage = nullptr;
+    decltype(&::FreeImage_GetInfoHeader) GetInfoHeader = nullptr;
+    decltype(&::FreeImage_GetInfo) GetInfo = nullptr;
+    decltype(&::FreeImage_GetBits) GetBits = nullptr;
+    decltype(&::FreeImage_FIFSupportsNoPixels) FIFSupportsNoPixels = nullptr;
+    decltype(&::FreeImage_Load) Load = nullptr;
+    decltype(&::FreeImage_Unload) Unload = nullptr;
+    decltype(&::FreeImage_GetWidth) GetWidth = nullptr;
+    decltype(&::FreeImage_GetHeight) GetHeight = nullptr;
+};
+
+template <typename Function>
+bool bindSymbol(FreeImageLibrary& library, Function& function, const char* name) {
+    function = reinterpret_cast<Function>(dlsym(library.handle, name));
+    if (!function && library.failure.isEmpty())
+        library.failure =
+            QStringLiteral("FreeImage cannot be used: %1 is missing").arg(QLatin1String(name));
+    return function != nullptr;
+}
+
+// The library, opened on first use; null (with the reason in lastError) when it cannot be.
+const FreeImageLibrary* freeImage() {
+    static const FreeImageLibrary library = [] {
+        FreeImageLibrary out;
+        QString reasons;
+        for (const char* name : {"libfreeimage.so.3", "libfreeimage.so"}) {
+            out.handle = dlopen(name, RTLD_NOW | RTLD_LOCAL);
+            if (out.handle)
+                break;
+            if (const char* why = dlerror())
+                reasons = QString::fromLocal8Bit(why);
+        }
+        if (!out.handle) {
+            out.failure = QStringLiteral("FreeImage cannot be loaded (%1)").arg(reasons);
+            return out;
+        }
+        bool ok = bindSymbol(out, out.Initialise, "FreeImage_Initialise");
+        ok = bindSymbol(out, out.DeInitialise, "FreeImage_DeInitialise") && ok;
+        ok = bindSymbol(out, out.SetOutputMessage, "FreeImage_SetOutputMessage") && ok;
+        ok = bindSymbol(out, out.GetInfoHeader, "FreeImage_GetInfoHeader") && ok;
+        ok = bindSymbol(out, out.GetInfo, "FreeImage_GetInfo") && ok;
+        ok = bindSymbol(out, out.GetBits, "FreeImage_GetBits") && ok;
+        ok = bindSymbol(out, out.FIFSupportsNoPixels, "FreeImage_FIFSupportsNoPixels") && ok;
+        ok = bindSymbol(out, out.Load, "FreeImage_Load") && ok;
+        ok = bindSymbol(out, out.Unload, "FreeImage_Unload") && ok;
+        ok = bindSymbol(out, out.GetWidth, "FreeImage_GetWidth") && ok;
+        ok = bindSymbol(out, out.GetHeight, "FreeImage_GetHeight") && ok;
+        if (!ok) {
+            dlclose(out.handle);
+            out.handle = nullptr;
+        }
+        return out;
+    }();
+    if (!library.handle) {
+        RecordFreeImageError(library.failure, true);
+        return nullptr;
+    }
+    return &library;
+}
+
 // 64 million pixels: a quarter of a gigabyte at 32 bits.
 constexpr quint64 kMaxFreeImagePixels = quint64(1) << 26;
 
@@ -50,12 +117,10 @@ void onTiffError(const char* module, const char* format, va_list args) {
                          true);
 }
 
-void silenceTiff() {
-    if (auto setWarning =
-            reinterpret_cast<TiffSetHandler>(dlsym(RTLD_DEFAULT, "TIFFSetWarningHandler")))
+void silenceTiff(void* handle) {
+    if (auto setWarning = reinterpret_cast<TiffSetHandler>(dlsym(handle, "TIFFSetWarningHandler")))
         setWarning(onTiffWarning);
-    if (auto setError =
-            reinterpret_cast<TiffSetHandler>(dlsym(RTLD_DEFAULT, "TIFFSetErrorHandler")))
+    if (auto setError = reinterpret_cast<TiffSetHandler>(dlsym(handle, "TIFFSetErrorHandler")))
         setError(onTiffError);
 }
 
@@ -75,16 +140,20 @@ void clearFreeImageError() {
 }
 
 void InitFreeImage(bool loadLocalPluginsOnly) {
-    FreeImage_Initialise(loadLocalPluginsOnly ? FALSE : TRUE);
-    FreeImage_SetOutputMessage(onFreeImageMessage);
-    silenceTiff();
+    const FreeImageLibrary* fi = freeImage();
+    if (!fi)
+        return;
+    fi->Initialise(loadLocalPluginsOnly ? FALSE : TRUE);
+    fi->SetOutputMessage(onFreeImageMessage);
+    silenceTiff(fi->handle);
     started() = true;
 }
 
 void DeInitFreeImage() {
     if (!started())
         return;
-    FreeImage_DeInitialise();
+    if (const FreeImageLibrary* fi = freeImage())
+        fi->DeInitialise();
     started() = false;
 }
 
@@ -100,19 +169,22 @@ bool FreeImage_BMP_From_DIB(FIBITMAP* dib, QImage& bitmap) {
         RecordFreeImageError(kFrom + QStringLiteral("No DIB specified to convert"), true);
         return false;
     }
-    const BITMAPINFOHEADER* header = FreeImage_GetInfoHeader(dib);
+    const FreeImageLibrary* fi = freeImage();
+    if (!fi)
+        return false;
+    const BITMAPINFOHEADER* header = fi->GetInfoHeader(dib);
     if (!header) {
         RecordFreeImageError(
             kFrom + QStringLiteral("FreeImage_GetInfoHeader failed to get the DIB header"), true);
         return false;
     }
-    const BITMAPINFO* info = FreeImage_GetInfo(dib);
+    const BITMAPINFO* info = fi->GetInfo(dib);
     if (!info) {
         RecordFreeImageError(kFrom + QStringLiteral("FreeImage_GetInfo failed to get the DIB info"),
                              true);
         return false;
     }
-    const BYTE* bits = FreeImage_GetBits(dib);
+    const BYTE* bits = fi->GetBits(dib);
     if (!bits) {
         RecordFreeImageError(
             kFrom + QStringLiteral("FreeImage_GetBits failed to get the DIB's bits"), true);
@@ -203,19 +275,22 @@ bool FreeImage_BMP_From_DIB(FIBITMAP* dib, QImage& bitmap) {
 namespace {
 
 QImage loadHere(const QString& path, int formatCode) {
+    const FreeImageLibrary* fi = freeImage();
+    if (!fi)
+        return {};
     const QByteArray name = QFile::encodeName(path);
     // A damaged header can claim a picture of gigabytes: read the header alone first where the
     // format allows it, and refuse sizes no slide picture comes near.
-    if (FreeImage_FIFSupportsNoPixels(FREE_IMAGE_FORMAT(formatCode))) {
+    if (fi->FIFSupportsNoPixels(FREE_IMAGE_FORMAT(formatCode))) {
         FIBITMAP* header =
-            FreeImage_Load(FREE_IMAGE_FORMAT(formatCode), name.constData(), FIF_LOAD_NOPIXELS);
+            fi->Load(FREE_IMAGE_FORMAT(formatCode), name.constData(), FIF_LOAD_NOPIXELS);
         if (!header) {
             if (lastError().isEmpty())
                 RecordFreeImageError(QStringLiteral("FreeImage_Load could not read ") + path, true);
             return {};
         }
-        const quint64 pixels = quint64(FreeImage_GetWidth(header)) * FreeImage_GetHeight(header);
-        FreeImage_Unload(header);
+        const quint64 pixels = quint64(fi->GetWidth(header)) * fi->GetHeight(header);
+        fi->Unload(header);
         if (pixels > kMaxFreeImagePixels) {
             RecordFreeImageError(QStringLiteral("%1 claims %2 pixels, more than this program reads")
                                      .arg(path)
@@ -224,7 +299,7 @@ QImage loadHere(const QString& path, int formatCode) {
             return {};
         }
     }
-    FIBITMAP* dib = FreeImage_Load(FREE_IMAGE_FORMAT(formatCode), name.constData(), 0);
+    FIBITMAP* dib = fi->Load(FREE_IMAGE_FORMAT(formatCode), name.constData(), 0);
     if (!dib) {
         if (lastError().isEmpty())
             RecordFreeImageError(QStringLiteral("FreeImage_Load could not read ") + path, true);
@@ -233,7 +308,7 @@ QImage loadHere(const QString& path, int formatCode) {
     QImage picture;
     const bool converted = FreeImage_BMP_From_DIB(dib, picture);
     // The converted picture owns its pixels: the FreeImage bitmap is not needed any more.
-    FreeImage_Unload(dib);
+    fi->Unload(dib);
     return converted ? picture : QImage();
 }
 
@@ -279,8 +354,11 @@ bool readAll(int fd, void* data, std::size_t size, const QDeadlineTimer& deadlin
 } // namespace
 
 QImage FreeImageLoadPicture(const QString& path, int formatCode) {
+    const FreeImageLibrary* fi = freeImage();
+    if (!fi)
+        return {};
     EnsureFreeImage();
-    silenceTiff();
+    silenceTiff(fi->handle);
     // FreeImage's decoders can overrun their buffers on damaged files. The picture is decoded in
     // a child process, so that such a file costs only that child: the program goes on without
     // a picture.
