@@ -255,11 +255,20 @@ bool frmMessageList::listHolds(const QString& name) const {
 void frmMessageList::txtName_Change() {
     if (mTrimming)
         return;
-    const QString trimmed = trimBlanks(txtName->text());
-    if (trimmed != txtName->text()) {
+    const QString text = txtName->text();
+    const QString trimmed = trimBlanks(text);
+    if (trimmed != text) {
+        // The caret keeps its place in the name: it moves back by the blanks taken from the
+        // front and stays inside what is left.
+        qsizetype leading = 0;
+        while (leading < text.size() && text.at(leading) == QLatin1Char(' '))
+            ++leading;
+        const qsizetype caret = txtName->cursorPosition();
+        const qsizetype kept =
+            std::clamp<qsizetype>(caret - std::min(caret, leading), 0, trimmed.size());
         mTrimming = true;
         txtName->setText(trimmed);
-        txtName->setCursorPosition(static_cast<int>(trimmed.size()));
+        txtName->setCursorPosition(static_cast<int>(kept));
         mTrimming = false;
     }
     if (trimmed.isEmpty()) {
