@@ -8,7 +8,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
 #include <sstream>
+#include <unistd.h>
 
 namespace {
 constexpr const char* kSource = "clsMessage";
@@ -60,15 +65,28 @@ QByteArray bitmapBytes(const QImage& picture) {
     return bytes;
 }
 
-QString uniqueSibling(const QString& root, const QString& purpose) {
+// A hidden working folder beside the messages. It carries the message's name so that a folder
+// left over by a crash shows whose it is.
+QString uniqueSibling(const QString& root, const QString& purpose, const QString& name) {
+    const QString shown = name.left(80);
     for (;;) {
         const QString candidate =
-            root + QStringLiteral(".tessaly-%1-%2")
-                       .arg(purpose)
+            root + QStringLiteral(".tessaly-%1-%2-%3")
+                       .arg(purpose, shown)
                        .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0'));
-        if (!QFileInfo::exists(candidate))
+        if (!QFileInfo::exists(candidate) && !QFileInfo(candidate).isSymLink())
             return candidate;
     }
+}
+
+QByteArray encoded(const QString& path) {
+    return QFile::encodeName(path);
+}
+
+// Trades the names of two folders in one step; false with errno set when that cannot be done.
+bool exchange(const QString& first, const QString& second) {
+    return ::renameat2(AT_FDCWD, encoded(first).constData(), AT_FDCWD, encoded(second).constData(),
+                       RENAME_EXCHANGE) == 0;
 }
 } // namespace
 
@@ -85,16 +103,31 @@ void clsMessage::Initialize(const QString& rootPath, const QString& fileName,
     mSlides.reset();
     mRootElement = mHeaderElement = mMessageElement = pugi::xml_node();
 
+    mBackups.clear();
+
     bool loaded = false;
     const QString file = mPath + mFileName;
-    if (!file.isEmpty()) {
+    if (!mFileName.isEmpty() && QFileInfo(file).isFile()) {
         QFile input(file);
-        if (QFileInfo(file).isFile() && input.open(QIODevice::ReadOnly)) {
+        if (input.open(QIODevice::ReadOnly)) {
             const QByteArray bytes = input.readAll();
             const pugi::xml_parse_result result =
                 mDocument->load_buffer(bytes.constData(), static_cast<size_t>(bytes.size()),
                                        pugi::parse_default | pugi::parse_declaration);
-            loaded = static_cast<bool>(result);
+            loaded = static_cast<bool>(result) && input.error() == QFileDevice::NoError;
+            if (!loaded)
+                mBackups.push_back({mFileName, bytes, input.error() == QFileDevice::NoError, file});
+        } else {
+            // There but not readable: the next save keeps it as a backup.
+            mBackups.push_back({mFileName, {}, false, file});
+        }
+        // The fresh document knows nothing of the folder's pictures; the first save would drop
+        // them or write new slides over them, so they are kept beside the document's backup.
+        if (!loaded) {
+            const QStringList files = QDir(mPath).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+            for (const QString& other : files)
+                if (other != mFileName && !other.endsWith(QLatin1String(".bak")))
+                    keepUnreadable(other);
         }
     }
     if (!loaded) {
@@ -139,6 +172,29 @@ void clsMessage::setName(const QString& value) {
     mName = value;
     mPath = mRootPath + mName + QLatin1Char('/');
     mChanged = true;
+}
+
+void clsMessage::keepUnreadable(const QString& fileName) {
+    if (fileName.isEmpty() || fileName.contains(QLatin1Char('/')))
+        return;
+    for (const Backup& backup : mBackups)
+        if (backup.fileName == fileName)
+            return;
+    const QString path = mPath + fileName;
+    Backup backup{fileName, {}, false, path};
+    QFile input(path);
+    if (input.open(QIODevice::ReadOnly)) {
+        backup.bytes = input.readAll();
+        backup.haveBytes = input.error() == QFileDevice::NoError;
+    }
+    mBackups.push_back(backup);
+}
+
+QStringList clsMessage::backupNames() const {
+    QStringList names;
+    for (const Backup& backup : mBackups)
+        names << backup.fileName + QStringLiteral(".bak");
+    return names;
 }
 
 QString clsMessage::Created() const {
@@ -187,6 +243,10 @@ bool clsMessage::SaveMessage() {
     try {
         saveFolder();
         mChanged = false;
+        // The backups now lie in the saved folder; later saves carry them from there.
+        for (Backup& backup : mBackups)
+            backup.source =
+                mRootPath + mName + QLatin1Char('/') + backup.fileName + QStringLiteral(".bak");
         return true;
     } catch (const Failure& failure) {
         mLastError = failure.description();
@@ -197,9 +257,9 @@ bool clsMessage::SaveMessage() {
 void clsMessage::saveFolder() {
     if (mRootPath.isEmpty())
         fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
-    if (mName.isEmpty() || mName == QLatin1String(".") || mName == QLatin1String("..") ||
-        mName.contains(QLatin1Char('/')) || mName.contains(QChar(0)))
-        fail(kPathFileAccessError, QStringLiteral("\"%1\" cannot name a folder").arg(mName));
+    const QString problem = messageNameProblem(mName);
+    if (!problem.isEmpty())
+        fail(kPathFileAccessError, problem);
     QDir root(mRootPath);
     if (!root.exists() && !QDir().mkpath(mRootPath))
         fail(FailureNumber::PathNotFound, QStringLiteral("Path not found: %1").arg(mRootPath));
@@ -220,7 +280,7 @@ void clsMessage::saveFolder() {
              QStringLiteral("\"%1\" is in the way of the message folder").arg(target));
 
     // Build the new folder beside the old one.
-    const QString staging = uniqueSibling(mRootPath, QStringLiteral("save"));
+    const QString staging = uniqueSibling(mRootPath, QStringLiteral("save"), mName);
     if (!QDir().mkdir(staging))
         fail(kPathFileAccessError, QStringLiteral("Cannot make a folder in %1").arg(mRootPath));
     try {
@@ -241,28 +301,70 @@ void clsMessage::saveFolder() {
                            slide->Image().isNull() ? empty : bitmapBytes(slide->Image()));
             }
         }
+        writeBackups(staging, target);
     } catch (...) {
         QDir(staging).removeRecursively();
         throw;
     }
 
-    // Swap it in: the old folder steps aside, the new one takes its name, the old one goes.
-    QString previous;
+    // Swap it in. Where the file system can trade two names in one step the message is always
+    // under its own name; elsewhere the old folder steps aside for a moment first.
     if (targetInfo.exists()) {
-        previous = uniqueSibling(mRootPath, QStringLiteral("old"));
-        if (!QDir().rename(target, previous)) {
+        if (exchange(staging, target)) {
+            QDir(staging).removeRecursively(); // now the old folder
+        } else if (errno != EINVAL && errno != ENOSYS) {
+            const QString reason = QString::fromLocal8Bit(std::strerror(errno));
             QDir(staging).removeRecursively();
-            fail(kPathFileAccessError, QStringLiteral("Cannot replace the folder %1").arg(target));
+            fail(kPathFileAccessError,
+                 QStringLiteral("Cannot replace the folder %1: %2").arg(target, reason));
+        } else {
+            const QString previous = uniqueSibling(mRootPath, QStringLiteral("old"), mName);
+            if (!QDir().rename(target, previous)) {
+                QDir(staging).removeRecursively();
+                fail(kPathFileAccessError,
+                     QStringLiteral("Cannot replace the folder %1").arg(target));
+            }
+            if (!QDir().rename(staging, target)) {
+                QDir().rename(previous, target);
+                QDir(staging).removeRecursively();
+                fail(kPathFileAccessError, QStringLiteral("Cannot make the folder %1").arg(target));
+            }
+            QDir(previous).removeRecursively();
         }
-    }
-    if (!QDir().rename(staging, target)) {
-        if (!previous.isEmpty())
-            QDir().rename(previous, target);
+    } else if (!QDir().rename(staging, target)) {
         QDir(staging).removeRecursively();
         fail(kPathFileAccessError, QStringLiteral("Cannot make the folder %1").arg(target));
     }
-    if (!previous.isEmpty())
-        QDir(previous).removeRecursively();
+}
+
+void clsMessage::writeBackups(const QString& staging, const QString& target) const {
+    QStringList written;
+    for (const Backup& backup : mBackups) {
+        const QString name = backup.fileName + QStringLiteral(".bak");
+        const QString to = staging + QLatin1Char('/') + name;
+        if (backup.haveBytes) {
+            writeWhole(to, backup.bytes);
+        } else if (::link(encoded(backup.source).constData(), encoded(to).constData()) != 0 &&
+                   !QFile::copy(backup.source, to)) {
+            // A file that can be neither read nor linked would be lost by this save.
+            fail(kPathFileAccessError,
+                 QStringLiteral("Cannot keep a backup of %1, which could not be read")
+                     .arg(backup.source));
+        }
+        written << name;
+    }
+    // Backups an earlier save kept stay with the message.
+    const QFileInfoList kept = QDir(target).entryInfoList(QStringList{QStringLiteral("*.bak")},
+                                                          QDir::Files | QDir::Hidden, QDir::Name);
+    for (const QFileInfo& file : kept) {
+        if (written.contains(file.fileName()))
+            continue;
+        const QString to = staging + QLatin1Char('/') + file.fileName();
+        if (::link(encoded(file.filePath()).constData(), encoded(to).constData()) != 0 &&
+            !QFile::copy(file.filePath(), to))
+            fail(kPathFileAccessError,
+                 QStringLiteral("Cannot keep the backup %1").arg(file.filePath()));
+    }
 }
 
 void clsMessage::CopySlide(clsSlide& destination, clsSlide& source) {
@@ -278,6 +380,8 @@ void clsMessage::CopySlide(clsSlide& destination, clsSlide& source) {
         raiseObjectNotSet(QString::fromUtf8(kSource));
     to->setBackColor(from->BackColor());
     to->setBackPicture(from->BackPicture());
-    for (int index = 1; index <= from->Count(); ++index)
+    // Copying a slide onto itself adds to the collection it reads: take the count once.
+    const int count = from->Count();
+    for (int index = 1; index <= count; ++index)
         to->Add(from->Item(index)->GetAllPproperties());
 }

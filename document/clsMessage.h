@@ -5,8 +5,10 @@
 
 #include <QImage>
 #include <QString>
+#include <QStringList>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 // One message: a folder holding message.xml and a Slide_<index>.bmp per slide. The XML document
 // is the only store of the message's values; saving writes it out whole with the pictures.
@@ -44,6 +46,15 @@ public:
     // Writes the folder anew: message.xml and one bitmap per slide. The new folder is built
     // beside the old one and swapped in, so a failed save leaves the previous folder as it was.
     bool SaveMessage();
+    // Records that <Path><fileName> would be lost by the next save because it could not be read
+    // (or belongs to a document that could not be). Saving writes the folder anew, so every
+    // later save keeps the file as <fileName>.bak instead. Initialize records an unreadable
+    // document and the folder's other files itself.
+    void keepUnreadable(const QString& fileName);
+    // The names of the backups the next save writes (e.g. "message.xml.bak").
+    QStringList backupNames() const;
+    // Whether the document has the MESSAGE element that carries the name.
+    bool hasMessageElement() const { return static_cast<bool>(mMessageElement); }
     // Copies the content of `source` into `destination`; the destination's draw objects stay.
     void CopySlide(clsSlide& destination, clsSlide& source);
 
@@ -60,7 +71,16 @@ public:
     std::string serialise() const;
 
 private:
+    // A file that could not be read when the message was loaded.
+    struct Backup {
+        QString fileName; // the name it had; the backup is this with ".bak"
+        QByteArray bytes; // its content, when it could be read as bytes
+        bool haveBytes = false;
+        QString source; // where it is on disk otherwise
+    };
+
     void saveFolder();
+    void writeBackups(const QString& staging, const QString& target) const;
 
     std::unique_ptr<clsSlides> mSlides;
     QString mRootPath;
@@ -73,4 +93,5 @@ private:
     pugi::xml_node mHeaderElement;
     pugi::xml_node mMessageElement;
     QString mLastError;
+    std::vector<Backup> mBackups;
 };

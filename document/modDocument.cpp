@@ -75,6 +75,20 @@ QString documentProp(const QString& section, const QString& key, const QString& 
     return gProperties->GetProp(section, key, defaultValue);
 }
 
+QString messageNameProblem(const QString& name) {
+    if (name.isEmpty())
+        return QStringLiteral("A message needs a name");
+    if (name.startsWith(QLatin1Char('.')))
+        return QStringLiteral("\"%1\" cannot name a message: it may not begin with \".\"")
+            .arg(name);
+    if (name.contains(QLatin1Char('/')) || name.contains(QLatin1Char('\\')))
+        return QStringLiteral("\"%1\" cannot name a message: it may not hold \"/\" or \"\\\"")
+            .arg(name);
+    if (name.contains(QChar(0)))
+        return QStringLiteral("A message name may not hold a null character");
+    return {};
+}
+
 const QByteArray& emptySlideBitmap() {
     static const QByteArray bytes = [] {
         initDocumentResources();

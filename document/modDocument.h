@@ -41,6 +41,11 @@ QString documentProp(const QString& section, const QString& key, const QString& 
 // bitmap with 256 colours.
 const QByteArray& emptySlideBitmap();
 
+// Why `name` cannot name a message folder in the store, or "" when it can. The store's own
+// working folders begin with "." and are never listed, so a message name may not; nor may it
+// hold a path separator ("/" here, "\\" where the messages were made) or be empty.
+QString messageNameProblem(const QString& name);
+
 // The node of `newRoot`'s tree that stands where `node` stands in `oldRoot`'s tree, found by the
 // position of each ancestor among its siblings; null when `node` is not inside `oldRoot`.
 pugi::xml_node correspondingNode(const pugi::xml_node& oldRoot, const pugi::xml_node& newRoot,

@@ -99,11 +99,11 @@ QString clsMMSManager::messageFolder(const QString& name) const {
         raiseObjectNotSet(QString::fromUtf8(kSource));
     if (mMessagePath.isEmpty())
         fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
-    // A name that is empty or reaches outside the store would act on the store itself or on
-    // another folder: refuse it.
-    if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String("..") ||
-        name.contains(QLatin1Char('/')) || name.contains(QLatin1Char('\\')))
-        fail(kPathFileAccessError, QStringLiteral("\"%1\" is not the name of a message").arg(name));
+    // The same rule as saving: a name that is empty, hidden or reaches outside the store would
+    // act on the store itself, on a working folder or on another folder.
+    const QString problem = messageNameProblem(name);
+    if (!problem.isEmpty())
+        fail(kPathFileAccessError, problem);
     return mMessagePath + name;
 }
 
@@ -157,11 +157,13 @@ std::shared_ptr<clsMessage> clsMMSManager::OpenMsg(const QString& name) {
     if (clsSlides* slides = message->Slides()) {
         const QString folder = mMessagePath + name + QLatin1Char('/');
         for (const auto& slide : *slides) {
-            // A picture that is missing or unreadable leaves the slide without one.
+            // A picture that is missing or unreadable leaves the slide without one. Saving would
+            // put the empty picture in place of an unreadable one, so the message keeps it.
             const QString file = slide->ImageFile();
             QImage picture;
-            if (!file.contains(QLatin1Char('/')))
-                picture.load(folder + file);
+            if (!file.isEmpty() && !file.contains(QLatin1Char('/')) &&
+                QFileInfo(folder + file).isFile() && !picture.load(folder + file))
+                message->keepUnreadable(file);
             slide->setImage(picture);
         }
     }
@@ -182,9 +184,17 @@ bool clsMMSManager::RenameMsg(clsMessage& message, const QString& newName) {
             fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
         if (QFileInfo::exists(target) || QFileInfo(target).isSymLink())
             fail(kFileAlreadyExists, QStringLiteral("File already exists"));
+        // A document without its MESSAGE element has no name to change: the folder stays.
+        if (!message.hasMessageElement())
+            raiseObjectNotSet(QString::fromUtf8(kSource));
         if (!QDir().rename(from, target))
             fail(kPathFileAccessError, QStringLiteral("Path/File access error"));
-        message.setName(newName);
+        try {
+            message.setName(newName);
+        } catch (const Failure&) {
+            QDir().rename(target, from);
+            throw;
+        }
         return true;
     } catch (const Failure&) {
         return false;

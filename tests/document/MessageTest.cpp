@@ -166,3 +166,21 @@ TEST(MessageTest, CopySlideCopiesValuesAndAppendsDrawObjects) {
     EXPECT_EQ(destination->DrawObjects()->Item(1)->name(), QStringLiteral("keep"));
     EXPECT_EQ(destination->DrawObjects()->Item(2)->GetAllPproperties(), text);
 }
+
+TEST(MessageTest, CopySlideOntoItselfDoublesTheDrawObjectsOnce) {
+    TestHome home;
+    auto message = newMessage(home, QStringLiteral("Self"));
+    auto slide = message->Slides()->Add();
+    slide->setColor(77);
+    for (const char* name : {"a", "b"}) {
+        clsDrawProperties object;
+        object.name = QString::fromLatin1(name);
+        object.typ = QStringLiteral("text");
+        slide->DrawObjects()->Add(object);
+    }
+    message->CopySlide(*slide, *slide);
+    EXPECT_EQ(slide->Color(), 77);
+    ASSERT_EQ(slide->DrawObjects()->Count(), 4);
+    EXPECT_EQ(slide->DrawObjects()->Item(3)->name(), QStringLiteral("a"));
+    EXPECT_EQ(slide->DrawObjects()->Item(4)->name(), QStringLiteral("b"));
+}

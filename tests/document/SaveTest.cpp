@@ -233,10 +233,82 @@ TEST(SaveTest, SaveRebuildsTheFolder) {
 TEST(SaveTest, RenamedMessageSavesUnderTheNewName) {
     TestHome home;
     auto message = richMessage(home, QStringLiteral("Before"));
-    message->setName(QStringLiteral("After"));
     ASSERT_TRUE(message->SaveMessage());
-    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Messages/Before"))));
-    EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("Messages/After/message.xml"))));
+    const auto before = snapshot(home.file(QStringLiteral("Messages/Before")));
+    ASSERT_EQ(before.size(), 4);
+    message->setName(QStringLiteral("After"));
+    message->Slides()->Item(1)->setText(QStringLiteral("changed"));
+    ASSERT_TRUE(message->SaveMessage());
+    // The save writes the new folder only; the folder under the old name stays as it was.
+    EXPECT_EQ(entries(home.file(QStringLiteral("Messages"))),
+              (QStringList{QStringLiteral("After"), QStringLiteral("Before")}));
+    EXPECT_EQ(snapshot(home.file(QStringLiteral("Messages/Before"))), before);
+    const QByteArray after = fileBytes(home.file(QStringLiteral("Messages/After/message.xml")));
+    EXPECT_TRUE(after.contains("name=\"After\""));
+    EXPECT_TRUE(after.contains("changed"));
+    EXPECT_FALSE(before.value(QStringLiteral("message.xml")).contains("changed"));
+}
+
+TEST(SaveTest, DamagedDocumentIsKeptAsABackupWithItsPictures) {
+    TestHome home;
+    const QByteArray damaged = "<ROOT><HEADER><MESSAGE name=\"Broken\"><SLIDES";
+    const QByteArray bitmap = "BM not really a picture";
+    home.write(QStringLiteral("Messages/Broken/Slide_1.bmp"), bitmap);
+    auto message = messageFromXml(home, QStringLiteral("Broken"), damaged);
+    ASSERT_NE(message->Slides(), nullptr);
+    EXPECT_EQ(message->Slides()->Count(), 0) << "a damaged document opens as a fresh one";
+    EXPECT_EQ(message->backupNames(),
+              (QStringList{QStringLiteral("message.xml.bak"), QStringLiteral("Slide_1.bmp.bak")}));
+    message->Slides()->Add()->setImage(picture(QColor(0, 0, 255)));
+    ASSERT_TRUE(message->SaveMessage()) << message->lastError().toStdString();
+    const QString folder = home.file(QStringLiteral("Messages/Broken"));
+    EXPECT_EQ(entries(folder),
+              (QStringList{QStringLiteral("Slide_1.bmp"), QStringLiteral("Slide_1.bmp.bak"),
+                           QStringLiteral("message.xml"), QStringLiteral("message.xml.bak")}));
+    EXPECT_EQ(fileBytes(folder + QStringLiteral("/message.xml.bak")), damaged);
+    EXPECT_EQ(fileBytes(folder + QStringLiteral("/Slide_1.bmp.bak")), bitmap);
+    EXPECT_EQ(QImage(folder + QStringLiteral("/Slide_1.bmp")).pixelColor(1, 1), QColor(0, 0, 255));
+
+    // Later saves, in this session or after opening the message again, keep the backups.
+    ASSERT_TRUE(message->SaveMessage());
+    EXPECT_EQ(fileBytes(folder + QStringLiteral("/message.xml.bak")), damaged);
+    auto again = newMessage(home, QStringLiteral("Broken"));
+    EXPECT_TRUE(again->backupNames().isEmpty()) << "the saved document reads fine";
+    ASSERT_EQ(again->Slides()->Count(), 1);
+    ASSERT_TRUE(again->SaveMessage());
+    EXPECT_EQ(fileBytes(folder + QStringLiteral("/message.xml.bak")), damaged);
+    EXPECT_EQ(fileBytes(folder + QStringLiteral("/Slide_1.bmp.bak")), bitmap);
+    EXPECT_EQ(entries(home.file(QStringLiteral("Messages"))),
+              QStringList{QStringLiteral("Broken")});
+}
+
+TEST(SaveTest, NormalSaveWritesNoBackup) {
+    TestHome home;
+    auto message = richMessage(home, QStringLiteral("Fine"));
+    ASSERT_TRUE(message->SaveMessage());
+    auto back = newMessage(home, QStringLiteral("Fine"));
+    EXPECT_TRUE(back->backupNames().isEmpty());
+    ASSERT_TRUE(back->SaveMessage());
+    EXPECT_EQ(entries(home.file(QStringLiteral("Messages/Fine"))),
+              (QStringList{QStringLiteral("Slide_1.bmp"), QStringLiteral("Slide_2.bmp"),
+                           QStringLiteral("Slide_3.bmp"), QStringLiteral("message.xml")}));
+}
+
+TEST(SaveTest, UnreadablePictureRecordedByTheCallerIsKept) {
+    TestHome home;
+    auto first = richMessage(home, QStringLiteral("Pics"));
+    ASSERT_TRUE(first->SaveMessage());
+    const QString folder = home.file(QStringLiteral("Messages/Pics"));
+    const QByteArray garbage = "this is no bitmap";
+    home.write(QStringLiteral("Messages/Pics/Slide_2.bmp"), garbage);
+    auto message = newMessage(home, QStringLiteral("Pics"));
+    message->keepUnreadable(QStringLiteral("Slide_2.bmp"));
+    message->keepUnreadable(QStringLiteral("Slide_2.bmp"));  // once is enough
+    message->keepUnreadable(QStringLiteral("../elsewhere")); // never outside the folder
+    EXPECT_EQ(message->backupNames(), QStringList{QStringLiteral("Slide_2.bmp.bak")});
+    ASSERT_TRUE(message->SaveMessage());
+    EXPECT_EQ(fileBytes(folder + QStringLiteral("/Slide_2.bmp.bak")), garbage);
+    EXPECT_NE(fileBytes(folder + QStringLiteral("/Slide_2.bmp")), garbage);
 }
 
 TEST(SaveTest, StoreFolderIsMadeWhenMissing) {
@@ -296,8 +368,26 @@ TEST(SaveTest, NamesTheFileSystemRefusesGiveFalse) {
          {QString(300, QLatin1Char('n')), QStringLiteral("a/b"), QStringLiteral(".."), QString()}) {
         auto message = richMessage(home, name);
         EXPECT_FALSE(message->SaveMessage()) << name.toStdString();
+        EXPECT_FALSE(message->lastError().isEmpty()) << name.toStdString();
     }
     EXPECT_TRUE(entries(store).isEmpty());
+}
+
+TEST(SaveTest, HiddenAndBackslashNamesAreRefusedWithAReason) {
+    TestHome home;
+    const QString store = home.file(QStringLiteral("Messages"));
+    QDir().mkpath(store);
+    for (const QString& name : {QStringLiteral(".hidden"), QStringLiteral("."),
+                                QStringLiteral("a\\b"), QStringLiteral("\\")}) {
+        auto message = richMessage(home, name);
+        EXPECT_FALSE(message->SaveMessage()) << name.toStdString();
+        EXPECT_TRUE(message->lastError().contains(QStringLiteral("cannot name a message")))
+            << message->lastError().toStdString();
+    }
+    EXPECT_TRUE(entries(store).isEmpty()) << "nothing, not even a working folder, is written";
+    EXPECT_FALSE(messageNameProblem(QStringLiteral(".x")).isEmpty());
+    EXPECT_FALSE(messageNameProblem(QStringLiteral("x/y")).isEmpty());
+    EXPECT_TRUE(messageNameProblem(QStringLiteral("Trip. 2")).isEmpty()) << "a dot inside is fine";
 }
 
 TEST(SaveTest, FileInTheWayOfTheFolderIsKept) {

@@ -10,7 +10,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSignalSpy>
 #include <gtest/gtest.h>
 
 namespace {
@@ -122,6 +121,29 @@ TEST(MMSManagerTest, OpenReadsThePicturesAndMissingOnesNeverStopIt) {
     EXPECT_EQ(opened->Slides()->Item(1)->Image().pixelColor(5, 5), QColor(Qt::red));
     EXPECT_TRUE(opened->Slides()->Item(2)->Image().isNull());
     EXPECT_TRUE(opened->Slides()->Item(3)->Image().isNull());
+
+    // Saving writes the empty picture for the slide, but the unreadable file is kept beside it;
+    // a missing one needs no backup.
+    EXPECT_EQ(opened->backupNames(), QStringList{QStringLiteral("Slide_2.bmp.bak")});
+    ASSERT_TRUE(store.manager.SaveMsg(*opened)) << opened->lastError().toStdString();
+    QFile backup(store.folder(QStringLiteral("Pics/Slide_2.bmp.bak")));
+    ASSERT_TRUE(backup.open(QIODevice::ReadOnly));
+    EXPECT_EQ(backup.readAll(), QByteArray("BM broken"));
+    EXPECT_FALSE(QImage(store.folder(QStringLiteral("Pics/Slide_2.bmp"))).isNull());
+    EXPECT_FALSE(QFileInfo::exists(store.folder(QStringLiteral("Pics/Slide_3.bmp.bak"))));
+}
+
+TEST(MMSManagerTest, OpenOfADamagedDocumentKeepsItOnTheNextSave) {
+    Store store;
+    const QByteArray damaged = "<ROOT><HEADER></ROOT>";
+    store.home.write(QStringLiteral("Messages/Hurt/message.xml"), damaged);
+    store.home.write(QStringLiteral("Messages/Hurt/Slide_1.bmp"), "BM old picture");
+    auto opened = store.manager.OpenMsg(QStringLiteral("Hurt"));
+    ASSERT_TRUE(store.manager.SaveMsg(*opened));
+    QFile backup(store.folder(QStringLiteral("Hurt/message.xml.bak")));
+    ASSERT_TRUE(backup.open(QIODevice::ReadOnly));
+    EXPECT_EQ(backup.readAll(), damaged);
+    EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral("Hurt/Slide_1.bmp.bak"))));
 }
 
 TEST(MMSManagerTest, OpenOfAFolderWithoutDocumentGivesAnEmptyMessage) {
@@ -153,6 +175,42 @@ TEST(MMSManagerTest, RenameMovesTheFolderAndRefusesAnExistingOne) {
     EXPECT_EQ(message->Path(), store.folder(QStringLiteral("New/")));
     EXPECT_FALSE(QFileInfo::exists(store.folder(QStringLiteral("Old"))));
     EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral("New/message.xml"))));
+}
+
+TEST(MMSManagerTest, RenameOfADocumentWithoutMessageLeavesTheFolder) {
+    Store store;
+    store.home.write(QStringLiteral("Messages/Odd/message.xml"), "<OTHER/>");
+    auto odd = store.manager.OpenMsg(QStringLiteral("Odd"));
+    ASSERT_FALSE(odd->hasMessageElement());
+    EXPECT_FALSE(store.manager.RenameMsg(*odd, QStringLiteral("Renamed")));
+    EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral("Odd/message.xml"))));
+    EXPECT_FALSE(QFileInfo::exists(store.folder(QStringLiteral("Renamed"))));
+    EXPECT_EQ(odd->Path(), store.folder(QStringLiteral("Odd/")));
+}
+
+TEST(MMSManagerTest, StoreOperationsRefuseTheNamesSavingRefuses) {
+    Store store;
+    auto message = store.manager.CreateMsg(QStringLiteral("Good"));
+    ASSERT_TRUE(message->SaveMessage());
+    QDir().mkpath(store.folder(QStringLiteral(".hidden")));
+    store.home.write(QStringLiteral("Messages/.hidden/message.xml"), "<ROOT/>");
+    for (const QString& bad : {QStringLiteral(".hidden"), QStringLiteral(".x"),
+                               QStringLiteral("a\\b"), QStringLiteral("a/b"), QString()}) {
+        EXPECT_FALSE(store.manager.RenameMsg(*message, bad)) << bad.toStdString();
+        EXPECT_FALSE(store.manager.CopyMsg(QStringLiteral("Good"), bad)) << bad.toStdString();
+        EXPECT_FALSE(store.manager.CopyMsg(bad, QStringLiteral("Good"))) << bad.toStdString();
+        auto created = store.manager.CreateMsg(bad);
+        EXPECT_FALSE(created->SaveMessage()) << bad.toStdString();
+        EXPECT_FALSE(created->lastError().isEmpty());
+    }
+    ScriptedResponder responder;
+    EXPECT_FALSE(store.manager.DeleteMsg(QStringLiteral(".hidden"), false));
+    EXPECT_EQ(responder.boxes.size(), 1u);
+    EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral(".hidden/message.xml"))));
+    EXPECT_EQ(message->name(), QStringLiteral("Good"));
+    QStringList names;
+    EXPECT_EQ(store.manager.ListMessages(names), 0);
+    EXPECT_EQ(namesOf(names), QStringList{QStringLiteral("Good")});
 }
 
 TEST(MMSManagerTest, CopyOverwritesFilesKeepsOthersAndLeavesSubFoldersBehind) {
@@ -228,15 +286,6 @@ TEST(MMSManagerTest, TemplateKindsSwitchTheOutputs) {
     manager.SetTemplateFileType(0);
     EXPECT_TRUE(manager.makeTemplate());
     EXPECT_EQ(manager.GetSaveAsMMSStatus(), QString());
-}
-
-TEST(MMSManagerTest, ProgressSignalCarriesSlideAndTotal) {
-    clsMMSManager manager;
-    QSignalSpy spy(&manager, &clsMMSManager::ProsessingSlide);
-    emit manager.ProsessingSlide(2, 5);
-    ASSERT_EQ(spy.size(), 1);
-    EXPECT_EQ(spy[0][0].value<std::int16_t>(), 2);
-    EXPECT_EQ(spy[0][1].value<std::int16_t>(), 5);
 }
 
 TEST(MMSManagerTest, SavePictureBoxImageWritesTheChosenForm) {
