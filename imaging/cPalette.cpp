@@ -220,10 +220,9 @@ int cPalette::nearestOfBytes(int red, int green, int blue) const {
         const Entry& e = table[i];
         const std::int32_t dr = red - e.red, dg = green - e.green, db = blue - e.blue;
         const std::int32_t distance = dr * dr + dg * dg + db * db;
-        if (distance < best) {
-            best = distance;
-            bestIndex = i + 1;
-        }
+        const bool nearer = distance < best;
+        best = nearer ? distance : best;
+        bestIndex = nearer ? i + 1 : bestIndex;
     }
     return bestIndex;
 }
@@ -463,8 +462,16 @@ void cPalette::ApplyPalette(cDIBSection& source, cDIBSection& destination, cDIBS
         std::uint8_t* nextRow = y < height - 1 ? row + scanWidth : nullptr;
         std::uint16_t* indexRow =
             indices ? indices->data() + std::size_t(y) * std::size_t(width) : nullptr;
+        // The pixel being mapped is held in registers, and so is its right neighbour once the
+        // diffusion has reached it, so that no pixel waits for its own bytes to be read back.
+        int blue = row[0], green = row[1], red = row[2];
         for (int x = 0; x <= lastByte; x += 3) {
-            const int blue = row[x], green = row[x + 1], red = row[x + 2];
+            int nextBlue = 0, nextGreen = 0, nextRed = 0;
+            if (x < lastByte) {
+                nextBlue = row[x + 3];
+                nextGreen = row[x + 4];
+                nextRed = row[x + 5];
+            }
             const int index =
                 fast ? nearestOfBytes(red, green, blue) : ClosestIndex(red, green, blue);
             const Entry& e = fast ? table[index - 1] : entryAt(index);
@@ -473,19 +480,23 @@ void cPalette::ApplyPalette(cDIBSection& source, cDIBSection& destination, cDIBS
             mapped[x] = e.blue;
             mapped[x + 1] = e.green;
             mapped[x + 2] = e.red;
-            if (!dither)
-                continue;
             const int errRed = red - e.red;
             const int errGreen = green - e.green;
             const int errBlue = blue - e.blue;
-            if (std::abs(errRed) + std::abs(errGreen) + std::abs(errBlue) <= 3)
+            blue = nextBlue;
+            green = nextGreen;
+            red = nextRed;
+            if (!dither || std::abs(errRed) + std::abs(errGreen) + std::abs(errBlue) <= 3)
                 continue;
             // The red error lands on the neighbour's blue byte and the blue error on its red
             // byte, on the right and in the next row alike.
             if (x < lastByte - 3) {
-                row[x + 3] = clampByte(row[x + 3] + errRed * 7 / 16);
-                row[x + 4] = clampByte(row[x + 4] + errGreen * 7 / 16);
-                row[x + 5] = clampByte(row[x + 5] + errBlue * 7 / 16);
+                blue = clampByte(blue + errRed * 7 / 16);
+                green = clampByte(green + errGreen * 7 / 16);
+                red = clampByte(red + errBlue * 7 / 16);
+                row[x + 3] = std::uint8_t(blue);
+                row[x + 4] = std::uint8_t(green);
+                row[x + 5] = std::uint8_t(red);
             }
             // Only the pixel below takes a share: the diagonal neighbours' weight is 0.
             if (nextRow && x > 0 && x < lastByte) {

@@ -77,6 +77,29 @@ void BM_CreateOptimal(benchmark::State& state) {
 }
 BENCHMARK(BM_CreateOptimal)->Args({160, 120})->Args({640, 480})->Unit(benchmark::kMillisecond);
 
+// Mapping with diffusion onto a fresh palette, whose lookup grid is built on the way.
+void BM_ApplyPalette(benchmark::State& state) {
+    const QImage picture = photoLike(int(state.range(0)), int(state.range(1)));
+    cDIBSection original;
+    original.fromQImage(picture);
+    cPalette built;
+    built.CreateOptimal(original, nullptr, 256, 8);
+    std::vector<std::uint16_t> indices;
+    for (auto _ : state) {
+        state.PauseTiming();
+        cDIBSection source, mapped;
+        source.fromQImage(picture);
+        mapped.Create(source.Width(), source.Height());
+        cPalette palette;
+        for (int i = 1; i <= built.Count(); ++i)
+            palette.Add(built.Red(i), built.Green(i), built.Blue(i));
+        state.ResumeTiming();
+        palette.ApplyPalette(source, mapped, nullptr, true, &indices);
+        benchmark::DoNotOptimize(indices.data());
+    }
+}
+BENCHMARK(BM_ApplyPalette)->Args({160, 120})->Args({640, 480})->Unit(benchmark::kMillisecond);
+
 struct Quantised {
     cPalette palette;
     std::vector<std::uint16_t> indices;
