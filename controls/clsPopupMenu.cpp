@@ -8,8 +8,8 @@
 
 namespace {
 
-// The number at the start of `text`, as the classic Val read it: leading blanks skipped, an
-// optional sign, then digits; anything else ends the number. No number gives 0.
+// The leading number of `text`: blanks skipped, an optional sign, then digits; anything else
+// ends the number. No number gives 0.
 std::int32_t leadingNumber(const QString& text) {
     const QString trimmed = text.trimmed();
     qsizetype i = 0;

@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QTimer>
 
 namespace {
@@ -113,7 +114,7 @@ void ctlMainMenu::SetBackground(QWidget* form, QWidget* control) {
     update();
 }
 
-void ctlMainMenu::setEnabled(bool enabled) {
+void ctlMainMenu::setMenusEnabled(bool enabled) {
     mEnabled = enabled;
     for (QLabel* label : mLabels)
         label->setEnabled(enabled);
@@ -220,13 +221,17 @@ void ctlMainMenu::timer1Tick() {
 void ctlMainMenu::ClickMenu(int menu) {
     if (menu < 0 || menu >= kMenuCount || !mLabels[menu]->isEnabled())
         return;
-    const QString& text = mStrings[menu];
+    const QString text = mStrings[menu];
     std::int32_t key = 0;
     if (text.startsWith(QLatin1Char('$'))) {
         key = text.mid(1).trimmed().toInt();
     } else {
         const QPoint corner = mLabels[menu]->mapToGlobal(QPoint(0, mLabels[menu]->height()));
+        // The pop-up runs its own event loop, in which the bar may be deleted.
+        const QPointer<ctlMainMenu> alive(this);
         key = mPopup->PopupStringXY(text, corner.x(), corner.y());
+        if (!alive)
+            return;
     }
     if (key > 0)
         emit MenuClick(key);

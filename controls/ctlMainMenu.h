@@ -33,7 +33,7 @@ public:
     void SetBackground(QWidget* form, QWidget* control);
 
     // All three labels; the bar itself stays live so that it can still drag the window.
-    void setEnabled(bool enabled);
+    void setMenusEnabled(bool enabled);
     bool Enabled() const { return mEnabled; }
     // Template items on the File menu from the next rebuild on (set it before TranslateControl).
     void EnableTemplates(bool enabled);

@@ -54,7 +54,7 @@ ctlProgressBar::ctlProgressBar(QWidget* parent) : QWidget(parent) {
     mImageShow->setObjectName(QStringLiteral("ImageShow"));
     mImageShow->setScaledContents(true);
     mImageShow->setGeometry(rect());
-    show(0);
+    showFrame(0);
     mProgressTimer = new QTimer(this);
     mProgressTimer->setObjectName(QStringLiteral("mProgressTimer"));
     mProgressTimer->setInterval(80);
@@ -73,13 +73,13 @@ void ctlProgressBar::Start(bool on) {
         mProgressTimer->stop();
 }
 
-void ctlProgressBar::show(int frame) {
+void ctlProgressBar::showFrame(int frame) {
     mShown = frame;
     mImageShow->setPixmap(mImage1[frame]->pixmap());
 }
 
 void ctlProgressBar::mProgressTimer_Timer() {
-    show(mFrame);
+    showFrame(mFrame);
     mFrame = mFrame >= kFrameCount - 1 ? 0 : mFrame + 1;
 }
 

@@ -31,7 +31,7 @@ protected:
 
 private:
     void mProgressTimer_Timer();
-    void show(int frame);
+    void showFrame(int frame);
 
     QList<QLabel*> mImage1;
     QLabel* mImageShow = nullptr;

@@ -5,6 +5,7 @@
 #include "ui_ctlUpDown.h"
 
 #include <QApplication>
+#include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QLocale>
@@ -79,7 +80,7 @@ GrButtonIII* ctlUpDown::cmdDown() const {
 
 void ctlUpDown::setValue(std::int32_t value) {
     mValue = value;
-    ui->txtValue->setText(Format(value / 1000.0, QStringLiteral("#0.0s")));
+    ui->txtValue->setText(formatted(value));
 }
 
 void ctlUpDown::setDecSep(const QString& separator) {
@@ -118,15 +119,20 @@ void ctlUpDown::raiseChanged(std::int32_t value) {
     emit ValueChanged(changed);
 }
 
-std::int32_t ctlUpDown::currentValue() const {
-    // The field shows tenths of a second: while it still shows Value, Value is the finer truth.
-    if (ui->txtValue->text() == Format(mValue / 1000.0, QStringLiteral("#0.0s")))
-        return mValue;
+QString ctlUpDown::formatted(std::int32_t value) {
+    return Format(value / 1000.0, QStringLiteral("#0.0s"));
+}
+
+std::int32_t ctlUpDown::stepStart() {
+    // The arrows take no focus, so a typed value has not been through the lost-focus step yet:
+    // run it first, which also brings a value above MaxValue down.
+    if (ui->txtValue->text() != formatted(mValue))
+        txtValue_LostFocus();
     return ReadField();
 }
 
 void ctlUpDown::cmdUp_Click() {
-    std::int32_t value = currentValue();
+    std::int32_t value = stepStart();
     if (value < mMaxValue)
         value += kStep;
     setValue(value);
@@ -134,7 +140,7 @@ void ctlUpDown::cmdUp_Click() {
 }
 
 void ctlUpDown::cmdDown_Click() {
-    std::int32_t value = currentValue();
+    std::int32_t value = stepStart();
     if (value > 0)
         value -= kStep;
     setValue(value);
@@ -143,7 +149,7 @@ void ctlUpDown::cmdDown_Click() {
 
 void ctlUpDown::txtValue_LostFocus() {
     const std::int32_t read = ReadField();
-    ui->txtValue->setText(Format(read / 1000.0, QStringLiteral("#0.0s")));
+    ui->txtValue->setText(formatted(read));
     setValue(read);
     if (mValue > mMaxValue)
         setValue(mMaxValue);
@@ -177,9 +183,13 @@ bool ctlUpDown::eventFilter(QObject* watched, QEvent* event) {
         // After the click that gave the focus has placed the cursor.
         QTimer::singleShot(0, ui->txtValue, &QLineEdit::selectAll);
         break;
-    case QEvent::FocusOut:
-        txtValue_LostFocus();
+    case QEvent::FocusOut: {
+        // Switching to another program or opening a menu is no leaving of the field.
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
+            txtValue_LostFocus();
         break;
+    }
     case QEvent::KeyPress: {
         auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {

@@ -42,15 +42,18 @@ public:
     int RepeatDirection() const { return mDirection; }
 
 signals:
-    // The new value in milliseconds; a handler may change it.
+    // The new value in milliseconds. It is passed by reference, but the control keeps its own
+    // value: a change a handler makes to it has no effect.
     void ValueChanged(std::int32_t& value);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    // The value a step starts from: Value while the field shows it, else the field read.
-    std::int32_t currentValue() const;
+    static QString formatted(std::int32_t value);
+    // The value an arrow steps from: the field read, after the lost-focus step when the field
+    // holds typed text.
+    std::int32_t stepStart();
     void cmdUp_Click();
     void cmdDown_Click();
     void txtValue_LostFocus();

@@ -85,6 +85,9 @@ bool frmAbout::Shrinking() const {
 }
 
 void frmAbout::CloseAbout() {
+    // A second Escape or OK while the window folds changes nothing.
+    if (Shrinking())
+        return;
     // The fixed size would stop the window from folding.
     setMinimumSize(0, 0);
     setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);

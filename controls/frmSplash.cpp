@@ -111,7 +111,9 @@ void frmSplash::TimerSplash_Timer() {
         raise();
     } else {
         mTimerSplash->stop();
-        startShrink();
+        // After CloseSplash the shrink already runs: it must not start over.
+        if (!Shrinking())
+            startShrink();
     }
 }
 

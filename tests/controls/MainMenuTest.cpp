@@ -6,10 +6,18 @@
 #include <QCursor>
 #include <QLabel>
 #include <QPainter>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <cstring>
 #include <gtest/gtest.h>
+#include <new>
+#include <type_traits>
+
+// The bar's own enabling of its labels must not hide QWidget::setEnabled, which callers holding
+// a QWidget* would reach instead.
+static_assert(std::is_same_v<decltype(&ctlMainMenu::setEnabled), void (QWidget::*)(bool)>);
 
 namespace {
 
@@ -56,6 +64,19 @@ TEST(MainMenu, FileMenuWithoutAndWithTemplates) {
 TEST(MainMenu, SlideMenuHasThreeSubMenus) {
     PlainText plain;
     ctlMainMenu menu;
+    EXPECT_EQ(menu.MenuString(1),
+              QStringLiteral("MNU_SLIDE_ADD;11,"
+                             "MNU_SLIDE_INSERT;0|MNU_SLIDE_BEFORE;13|MNU_SLIDE_AFTER;14,"
+                             "MNU_SLIDE_DUPLICATE;0|MNU_SLIDE_BEFORE;16|MNU_SLIDE_AFTER;17,"
+                             "MNU_SLIDE_DELETE;0|MNU_SLIDE_DELETE_SLIDE;19|-|"
+                             "MNU_SLIDE_DELETE_IMAGE;20|MNU_SLIDE_DELETE_SOUND;21|"
+                             "MNU_SLIDE_DELETE_TEXT;22,"
+                             "-,MNU_SLIDE_BACKGROUND;23,-,MNU_SLIDE_PREVIEW;24,"
+                             "MNU_SLIDE_DOWNLOAD_PICTURE;25"));
+    menu.MenuItemEnabled(21, false);
+    EXPECT_TRUE(menu.MenuString(1).contains(
+        QStringLiteral("|MNU_SLIDE_DELETE_IMAGE;20|!MNU_SLIDE_DELETE_SOUND;21|")));
+    menu.MenuItemEnabled(21, true);
     ScriptedResponder responder;
     responder.popupKeys = {QStringLiteral("17")};
     QSignalSpy clicks(&menu, &ctlMainMenu::MenuClick);
@@ -124,11 +145,11 @@ TEST(MainMenu, MenuEnabledAndEnabled) {
     clickLabel(menu.MenuLabel(1));
     EXPECT_TRUE(responder.popups.empty()); // a disabled label opens nothing
 
-    menu.setEnabled(false);
+    menu.setMenusEnabled(false);
     for (int i = 0; i < 3; ++i)
         EXPECT_FALSE(menu.MenuLabel(i)->isEnabled());
     EXPECT_TRUE(menu.isEnabled()); // the bar itself still takes presses to drag the window
-    menu.setEnabled(true);
+    menu.setMenusEnabled(true);
     EXPECT_TRUE(menu.MenuLabel(1)->isEnabled());
 }
 
@@ -212,4 +233,40 @@ TEST(MainMenu, SetBackgroundShowsThePieceOfSkinBehind) {
     EXPECT_EQ(piece.pixelColor(0, 0), QColor(200, 100, 50));
     EXPECT_EQ(piece.pixelColor(5, 5), QColor(10, 20, 30));
     EXPECT_EQ(piece.pixelColor(5, 19), QColor(Qt::white));
+}
+
+namespace {
+
+// Closes the window that holds the bar while the pop-up is open, then chooses `key`. The bar's
+// memory is wiped after its destructor, so any use of it after the pop-up crashes at once.
+struct DestroyingResponder : ScriptedResponder {
+    DestroyingResponder(ctlMainMenu* bar, void* storage, std::size_t size)
+        : bar(bar), storage(storage), size(size) {}
+    QString popupChoice(QMenu*, const QPoint&) override {
+        ++opened;
+        bar->~ctlMainMenu();
+        std::memset(storage, 0, size);
+        return QStringLiteral("27");
+    }
+    ctlMainMenu* bar;
+    void* storage;
+    std::size_t size;
+    int opened = 0;
+};
+
+} // namespace
+
+TEST(MainMenu, ABarDeletedWhileItsMenuIsOpenRaisesNothing) {
+    PlainText plain;
+    alignas(ctlMainMenu) unsigned char storage[sizeof(ctlMainMenu)];
+    auto* menu = new (storage) ctlMainMenu;
+    QPointer<ctlMainMenu> watch(menu);
+    int clicks = 0;
+    QObject context;
+    QObject::connect(menu, &ctlMainMenu::MenuClick, &context, [&clicks] { ++clicks; });
+    DestroyingResponder responder(menu, storage, sizeof storage);
+    menu->ClickMenu(2);
+    EXPECT_EQ(responder.opened, 1);
+    EXPECT_TRUE(watch.isNull());
+    EXPECT_EQ(clicks, 0);
 }

@@ -13,6 +13,10 @@
 #include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
+#include <type_traits>
+
+// Showing a frame must not hide QWidget::show.
+static_assert(std::is_same_v<decltype(&ctlProgressBar::show), void (QWidget::*)()>);
 
 // One tick of a timer, run at once.
 static void tick(QTimer* timer) {

@@ -151,6 +151,55 @@ TEST(Splash, AClickOnTheRealTimerEndsWithinATick) {
     QTRY_VERIFY(splash.isNull());
 }
 
+TEST(Splash, FortyTicksInFrontThenTheFortyFirstStartsTheShrink) {
+    QPointer<frmSplash> splash = frmSplash::Load();
+    splash->show();
+    splash->TimerSplash()->stop(); // drive the ticks by hand
+    for (int i = 0; i < 40; ++i)
+        tick(splash->TimerSplash());
+    EXPECT_EQ(splash->Counter(), 40);
+    EXPECT_FALSE(splash->Shrinking());
+    EXPECT_TRUE(gSplashActive);
+    splash->TimerSplash()->start();
+    tick(splash->TimerSplash());
+    EXPECT_TRUE(splash->Shrinking());
+    EXPECT_FALSE(splash->TimerSplash()->isActive());
+    EXPECT_EQ(splash->Counter(), 0);
+    splash->Unload();
+    QTRY_VERIFY(splash.isNull());
+}
+
+TEST(Splash, TheLastTickAfterCloseSplashLetsTheShrinkRunOn) {
+    QPointer<frmSplash> splash = frmSplash::Load();
+    splash->show();
+    const QRect start = splash->geometry();
+    // The shrink ticks stay slow while the real TimerSplash runs out its last six ticks.
+    std::vector<QRect> history;
+    QObject::connect(splash->ShrinkTimer(), &QTimer::timeout, splash,
+                     [&history, s = splash.data()] { history.push_back(s->geometry()); });
+    std::vector<int> counters;
+    QObject::connect(splash->TimerSplash(), &QTimer::timeout, splash,
+                     [&counters, s = splash.data()] { counters.push_back(s->Counter()); });
+    splash->CloseSplash();
+    splash->ShrinkTimer()->setInterval(200);
+    QTRY_VERIFY_WITH_TIMEOUT(!splash->TimerSplash()->isActive(), 3000);
+    EXPECT_EQ(counters, (std::vector<int>{36, 37, 38, 39, 40, 41}));
+    EXPECT_EQ(splash->Counter(), 41); // a restarted shrink would have set it to 0
+    EXPECT_TRUE(splash->Shrinking());
+    EXPECT_EQ(splash->ShrinkTimer()->interval(), 200); // not set back to 30 by a new start
+    // The fold goes on from where it was: the step keeps growing, one pixel a tick.
+    QTRY_VERIFY_WITH_TIMEOUT(history.size() >= 3, 3000);
+    splash->ShrinkTimer()->setInterval(1);
+    QTRY_VERIFY_WITH_TIMEOUT(splash.isNull(), 5000);
+    ASSERT_GE(history.size(), 3u);
+    int previous = start.height();
+    for (std::size_t i = 0; i < history.size() && history[i].height() > 3; ++i) {
+        EXPECT_EQ(previous - history[i].height(), 2 * int(i + 1)) << i;
+        previous = history[i].height();
+    }
+    EXPECT_FALSE(gSplashActive);
+}
+
 TEST(Splash, CloseSplashStartsTheShrinkAtOnce) {
     QPointer<frmSplash> splash = frmSplash::Load();
     splash->show();
@@ -219,6 +268,31 @@ TEST(About, EscapeClosesAsOkDoes) {
         EXPECT_FALSE(about.isVisible());
         EXPECT_EQ(about.size(), QSize(4, 3));
     }
+}
+
+TEST(About, ClosingAgainWhileItShrinksChangesNothing) {
+    frmAbout about;
+    QSignalSpy finished(&about, &QDialog::finished);
+    about.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&about));
+    const QRect full = about.geometry();
+    about.ShrinkTimer()->setInterval(5);
+    about.cmdOk()->click();
+    ASSERT_TRUE(about.Shrinking());
+    ASSERT_EQ(about.ShrinkTimer()->interval(), 30);
+    // Let the fold run a few ticks, then press Escape and OK again.
+    QTRY_VERIFY_WITH_TIMEOUT(about.height() <= full.height() - 12, 3000);
+    const int folded = about.height();
+    about.ShrinkTimer()->setInterval(500);
+    QTest::keyClick(&about, Qt::Key_Escape);
+    about.cmdOk()->click();
+    about.CloseAbout();
+    EXPECT_TRUE(about.Shrinking());
+    EXPECT_EQ(about.ShrinkTimer()->interval(), 500); // a new start would set 30
+    EXPECT_EQ(about.height(), folded);               // and fold again from here at step 1
+    about.ShrinkTimer()->setInterval(1);
+    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, 5000);
+    EXPECT_EQ(about.size(), QSize(4, 3));
 }
 
 TEST(About, SysInfoWithoutAProgramShowsABox) {

@@ -158,28 +158,129 @@ TEST(UpDown, StepsAreAHundredMillisecondsWithoutClampAtTheEnds) {
     EXPECT_EQ(field.Value(), 900);
 
     // Fifty below the maximum goes fifty above it.
+    field.setMaxValue(9950);
+    field.setValue(9900);
+    field.cmdUp()->click();
+    EXPECT_EQ(field.Value(), 10000);
+    EXPECT_EQ(lastValue(changes), 10000);
+    // At or above the maximum, up does not step, but still shows and reports the value read.
+    const int before = changes.size();
+    field.cmdUp()->click();
+    EXPECT_EQ(field.Value(), 10000);
+    EXPECT_EQ(changes.size(), before + 1);
+    // At 0 or below, down does not step; a value below 0 stays as it is.
+    field.setValue(0);
+    field.cmdDown()->click();
+    EXPECT_EQ(field.Value(), 0);
+    field.setValue(-300);
+    field.cmdDown()->click();
+    EXPECT_EQ(field.Value(), -300);
+    field.cmdUp()->click();
+    EXPECT_EQ(field.Value(), -200);
+}
+
+TEST(UpDown, AStepStartsFromTheValueTheFieldShows) {
+    PointSeparator point;
+    ctlUpDown field;
+    Changes changes(field);
+    // 1234 shows 1.2s: a step reads 1200 and gives 1300, not 1334.
+    field.setValue(1234);
+    ASSERT_EQ(field.txtValue()->text(), QStringLiteral("1.2s"));
+    field.cmdUp()->click();
+    EXPECT_EQ(field.Value(), 1300);
+    EXPECT_EQ(field.txtValue()->text(), QStringLiteral("1.3s"));
+    ASSERT_EQ(changes.size(), 1); // the field showed Value: no lost-focus step before it
+    EXPECT_EQ(lastValue(changes), 1300);
+    field.setValue(1234);
+    field.cmdDown()->click();
+    EXPECT_EQ(field.Value(), 1100);
+
+    // 9950 shows 10.0s: read as 10000, which is not below a maximum of 10000, so no step.
+    field.setMaxValue(10000);
     field.setValue(9950);
+    ASSERT_EQ(field.txtValue()->text(), QStringLiteral("10.0s"));
     field.cmdUp()->click();
-    EXPECT_EQ(field.Value(), 10050);
-    // At or above the maximum, up does not step.
-    field.cmdUp()->click();
-    EXPECT_EQ(field.Value(), 10050);
-    // 50 goes to -50; at 0 or below, down does not step.
+    EXPECT_EQ(field.Value(), 10000);
+    EXPECT_EQ(field.txtValue()->text(), QStringLiteral("10.0s"));
+    EXPECT_EQ(lastValue(changes), 10000);
+
+    // 50 shows 0.1s: down reads 100 and ends at 0.
     field.setValue(50);
+    ASSERT_EQ(field.txtValue()->text(), QStringLiteral("0.1s"));
     field.cmdDown()->click();
-    EXPECT_EQ(field.Value(), -50);
+    EXPECT_EQ(field.Value(), 0);
+}
+
+TEST(UpDown, ATypedValueAboveTheMaximumIsClampedBeforeTheArrowSteps) {
+    PointSeparator point;
+    ctlUpDown field;
+    field.setDecSep(QStringLiteral("."));
+    field.setMaxValue(10000);
+    field.setValue(5000);
+    Changes changes(field);
+    // The arrows take no focus, so typing and clicking an arrow never leaves the field.
+    EXPECT_EQ(field.cmdUp()->focusPolicy(), Qt::NoFocus);
+    field.txtValue()->setText(QStringLiteral("25"));
+    field.cmdUp()->click();
+    EXPECT_EQ(field.Value(), 10000);
+    EXPECT_EQ(field.txtValue()->text(), QStringLiteral("10.0s"));
+    // The lost-focus step reports the clamped value, then the arrow its (unstepped) value.
+    EXPECT_EQ(changes.values, (std::vector<std::int32_t>{10000, 10000}));
+
+    field.txtValue()->setText(QStringLiteral("30"));
     field.cmdDown()->click();
-    EXPECT_EQ(field.Value(), -50);
+    EXPECT_EQ(field.Value(), 9900);
+    EXPECT_EQ(lastValue(changes), 9900);
+}
+
+TEST(UpDown, SwitchingProgramsOrOpeningAMenuIsNoLeaving) {
+    PointSeparator point;
+    ctlUpDown field;
+    field.setDecSep(QStringLiteral("."));
+    field.setMaxValue(10000);
+    field.setValue(2000);
+    Changes changes(field);
+    field.txtValue()->setText(QStringLiteral("25"));
+    for (Qt::FocusReason reason : {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason}) {
+        QFocusEvent out(QEvent::FocusOut, reason);
+        QCoreApplication::sendEvent(field.txtValue(), &out);
+        EXPECT_EQ(changes.size(), 0) << int(reason);
+        EXPECT_EQ(field.txtValue()->text(), QStringLiteral("25")) << int(reason);
+        EXPECT_EQ(field.Value(), 2000) << int(reason);
+    }
+    // Any other way out runs the lost-focus step.
+    for (Qt::FocusReason reason :
+         {Qt::MouseFocusReason, Qt::TabFocusReason, Qt::OtherFocusReason}) {
+        field.txtValue()->setText(QStringLiteral("25"));
+        const int before = changes.size();
+        QFocusEvent out(QEvent::FocusOut, reason);
+        QCoreApplication::sendEvent(field.txtValue(), &out);
+        EXPECT_EQ(changes.size(), before + 1) << int(reason);
+        EXPECT_EQ(field.Value(), 10000) << int(reason);
+    }
+}
+
+TEST(UpDown, AHandlerChangingTheValueChangesNothing) {
+    PointSeparator point;
+    ctlUpDown field;
+    QObject::connect(&field, &ctlUpDown::ValueChanged, [](std::int32_t& value) { value = 7; });
+    field.setValue(1000);
+    field.cmdUp()->click();
+    EXPECT_EQ(field.Value(), 1100);
+    EXPECT_EQ(field.txtValue()->text(), QStringLiteral("1.1s"));
 }
 
 TEST(UpDown, AStepReadsTheTypedText) {
     PointSeparator point;
     ctlUpDown field;
     field.setDecSep(QStringLiteral("."));
+    Changes changes(field);
     field.txtValue()->setText(QStringLiteral("3.4"));
     field.cmdUp()->click();
     EXPECT_EQ(field.Value(), 3500);
     EXPECT_EQ(field.txtValue()->text(), QStringLiteral("3.5s"));
+    // The typed text went through the lost-focus step first.
+    EXPECT_EQ(changes.values, (std::vector<std::int32_t>{3400, 3500}));
 }
 
 TEST(UpDown, HeldButtonRepeatsAfterHalfASecondThenTenTimesASecond) {
