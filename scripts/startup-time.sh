@@ -11,5 +11,5 @@ sed -i -e 's|<KEY name="ShowSplash">[^<]*</KEY>|<KEY name="ShowSplash">0</KEY>|'
        -e 's|<KEY name="Initialized">[^<]*</KEY>|<KEY name="Initialized">1</KEY>|' "$home/tessaly.xml"
 command -v hyperfine >/dev/null || { echo "hyperfine is not installed (apt-get install hyperfine)"; exit 1; }
 TESSALY_HOME="$home" TESSALY_QUIT_WHEN_SHOWN=1 xvfb-run -a -s "-screen 0 1024x768x24" \
-  hyperfine --warmup 3 --runs 20 --export-markdown "$home/result.md" "$bin/tessaly"
-cat "$home/result.md"
+  hyperfine -N --warmup 3 --runs 30 --export-json "$home/result.json" "$bin/tessaly"
+python3 -c "import json,sys; r=json.load(open(sys.argv[1]))['results'][0]; print('median %.1f ms, mean %.1f ms' % (r['median']*1e3, r['mean']*1e3))" "$home/result.json"
