@@ -1,7 +1,9 @@
 #include "ImagingTestUtil.h"
 #include "imaging/cDIBSectionSave.h"
+#include "imaging/modPictureSave.h"
 #include "platform/Failure.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -358,4 +360,45 @@ TEST(GifWriter, AnOddFourBitWidthReadsShortRows) {
     // Top row = buffer row 2, read from byte 8.
     const std::vector<std::uint8_t> top(gif.indices.begin(), gif.indices.begin() + 9);
     EXPECT_EQ(top, (std::vector<std::uint8_t>{0xB, 0xC, 0xD, 0xE, 0xF, 0x0, 0x1, 0x2, 0x3}));
+}
+
+namespace {
+
+// A picture of many colours made by integer arithmetic alone, so that any program can make
+// the same one.
+QImage arithmeticPicture(int width, int height) {
+    QImage picture(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const int r = (x * 7 + y * 3 + ((x * y) % 13) * 5) & 255;
+            const int g = (x * x + y * 11 + (x * y * x) % 23) % 256;
+            const int b = (((x ^ y) * 5) + (x * y * 31) % 17 + (y * y) % 29) & 255;
+            picture.setPixel(x, y, qRgb(r, g, b));
+        }
+    return picture;
+}
+
+} // namespace
+
+// The palette, the diffusion and the coder together give exactly the bytes the program has
+// always written for these pictures, whatever is done to make them faster.
+TEST(GifWriter, KnownPicturesKeepTheirExactBytes) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const struct {
+        int width, height;
+        const char* sha256;
+    } cases[] = {
+        {160, 120, "7c0e92491109e6f04579103ef2671e086d67ae722d5bb38b6fbd18b5dc9e878b"},
+        {333, 77, "759ac12f4536b55c664499380dcc6e11d44d865288bf5e8fbcad4a89edcb1d45"},
+    };
+    for (const auto& c : cases) {
+        const QString path = dir.filePath(QStringLiteral("known%1.gif").arg(c.width));
+        ASSERT_TRUE(SavePictureBoxImage(path, arithmeticPicture(c.width, c.height), 2));
+        const QByteArray bytes = readFile(path);
+        EXPECT_GT(bytes.size(), 1000);
+        EXPECT_EQ(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex(),
+                  QByteArray(c.sha256))
+            << c.width << "x" << c.height;
+    }
 }
