@@ -30,6 +30,21 @@ public:
         pendingCode = value;
         return code;
     }
+    // Codes one pixel of the stream: compresses it, writes a finished code, and resets the
+    // table (after writing the pending code and a clear code) when the next code reaches the
+    // limit. `count` runs from 1 after each start or reset.
+    void EncodePixel(int value, int& count) {
+        const int code = CompressPixel(value, count);
+        if (code >= 0)
+            WriteCode(code);
+        ++count;
+        if (nextCode() >= kTableLimit) {
+            WriteCode(Flush());
+            WriteCode(clearCode());
+            ResetTable();
+            count = 1;
+        }
+    }
     // The code of the pixels matched so far.
     int Flush() const { return pendingCode; }
     void WriteCode(int code) {

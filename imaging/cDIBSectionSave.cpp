@@ -317,16 +317,7 @@ void cDIBSectionSave::writeStream(std::vector<std::uint8_t>& out, const IndexedB
                 value = (row[x / 2] >> ((x & 1) ? 0 : 4)) & 0x0F;
             else
                 value = (row[x / 8] >> (7 - (x & 7))) & 1;
-            const int code = coder.CompressPixel(value, count);
-            if (code >= 0)
-                coder.WriteCode(code);
-            ++count;
-            if (coder.nextCode() >= GifLzwCoder::kTableLimit) {
-                coder.WriteCode(coder.Flush());
-                coder.WriteCode(coder.clearCode());
-                coder.ResetTable();
-                count = 1;
-            }
+            coder.EncodePixel(value, count);
         }
         if (pumpEvents)
             QCoreApplication::processEvents();

@@ -245,16 +245,7 @@ std::vector<std::uint8_t> encodeHashed(const std::vector<std::uint16_t>& pixels)
     int count = 1;
     coder.WriteCode(coder.clearCode());
     for (const std::uint16_t value : pixels) {
-        const int code = coder.CompressPixel(value, count);
-        if (code >= 0)
-            coder.WriteCode(code);
-        ++count;
-        if (coder.nextCode() >= GifLzwCoder::kTableLimit) {
-            coder.WriteCode(coder.Flush());
-            coder.WriteCode(coder.clearCode());
-            coder.ResetTable();
-            count = 1;
-        }
+        coder.EncodePixel(value, count);
     }
     coder.FinishStream();
     return out;
