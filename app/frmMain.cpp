@@ -516,9 +516,7 @@ void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
         AddSlide(ask, true);
         break;
     case kHelpAbout: {
-        frmAbout about(this);
-        if (gLocalizer)
-            gLocalizer->TranslateForm(&about);
+        frmAbout about(this); // translates itself when it loads
         about.exec();
         break;
     }

@@ -77,10 +77,7 @@ std::unique_ptr<SingleInstance> gInstance;
 
 void showSplash() {
     gSplashActive = true;
-    frmSplash* splash = frmSplash::Load();
-    if (gLocalizer)
-        gLocalizer->TranslateForm(splash);
-    splash->TranslateForm();
+    frmSplash* splash = frmSplash::Load(); // translates itself when it loads
     splash->show();
     QCoreApplication::processEvents();
 }

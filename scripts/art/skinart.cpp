@@ -344,9 +344,6 @@ QImage previewSkin() {
     p.fillRect(QRect(0, 36, W, H - 36), body);
     captionBar(p, W);
     logo(p, QRectF(10, 8, 20, 20));
-    p.setFont(font(13, true));
-    p.setPen(Qt::white);
-    p.drawText(36, 23, QStringLiteral("Preview"));
     phoneBody(p, QRect(25, 52, 206, 320));
     // the time display and the play controls' shelf
     panel(p, QRectF(24, 456, 208, 24), 8, QColor(0xf6, 0xf8, 0xfc), kPage);
@@ -684,15 +681,8 @@ QImage splash() {
     p.drawText(31, 160, QStringLiteral("Tessaly"));
     p.setPen(Qt::white);
     p.drawText(30, 158, QStringLiteral("Tessaly"));
-    p.setFont(font(14));
-    p.setPen(QColor(0xc9, 0xd4, 0xea));
-    p.drawText(32, 186, QStringLiteral("Multimedia messages, slide by slide"));
     p.fillRect(QRectF(32, 204, 64, 3), kAmber);
     // the version label stands at 32,238 (drawn by the window)
-    p.setFont(font(10));
-    p.setPen(QColor(0x8e, 0x9e, 0xbe));
-    p.drawText(QRectF(0, 240, W - 24, 16), Qt::AlignRight | Qt::AlignVCenter,
-               QStringLiteral("Compose \u00b7 Preview \u00b7 Send"));
     p.setPen(QPen(QColor(255, 255, 255, 40), 1));
     p.setBrush(Qt::NoBrush);
     p.drawRect(QRectF(0.5, 0.5, W - 1, H - 1));
@@ -718,13 +708,8 @@ QImage about() {
     p.fillRect(QRect(0, 0, W, 100), glow);
     p.fillRect(QRect(0, 100, W, 3), kAmber);
     logo(p, QRectF(360, 24, 52, 52));
-    // the title and version labels stand at 28,22 and 30,64 (drawn by the window)
-    p.setFont(font(12, true));
-    p.setPen(kInk);
-    p.drawText(30, 132, QStringLiteral("Compose \u00b7 Preview \u00b7 Send"));
-    p.setFont(font(11));
-    p.setPen(QColor(0x5a, 0x66, 0x80));
-    p.drawText(30, 150, QStringLiteral("Messages of pictures, text and sound for your phone."));
+    // the title and version labels stand at 28,22 and 30,64 (drawn by the window); pictures
+    // carry no words but the product name, so that every text can be translated
     // a hairline above the buttons
     p.fillRect(QRect(24, 242, W - 48, 1), QColor(0xd0, 0xd7, 0xe4));
     p.setPen(QPen(kFrame, 1));

@@ -3,6 +3,7 @@
 #include "config/clsPropertiesXML.h"
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
+#include "controls/frmAbout.h"
 #include "document/clsMessage.h"
 #include "document/clsSlide.h"
 #include "document/clsSlides.h"
@@ -361,4 +362,18 @@ TEST_F(MainWindow, MaximisingGoesBackToTheFixedSize) {
     window->showMaximized();
     QTRY_VERIFY_WITH_TIMEOUT(!(window->windowState() & Qt::WindowMaximized), 2000);
     EXPECT_EQ(window->size(), QSize(644, 488));
+}
+
+TEST_F(MainWindow, AboutShowsTheProductAndItsVersion) {
+    QString title, version;
+    whenModal([&](QWidget* dialog) {
+        auto* about = qobject_cast<frmAbout*>(dialog);
+        ASSERT_NE(about, nullptr);
+        title = about->lblTitle()->text();
+        version = about->lblVersion()->text();
+        about->reject();
+    });
+    window->ctlMainMenu1_MenuClick(27);
+    EXPECT_EQ(title, gLocalizer->GetString(QStringLiteral("APP_PRODUCTNAME")));
+    EXPECT_FALSE(version.isEmpty());
 }
