@@ -6,7 +6,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <sstream>
+#include <cstring>
+#include <initializer_list>
 
 namespace {
 
@@ -22,17 +23,36 @@ QString fromUtf8(const char* text) {
     return QString::fromUtf8(text);
 }
 
-// Runs a single-node XPath selection, turning a query the XML layer refuses (a name with an
-// apostrophe makes one) into a raised failure.
-pugi::xml_node selectSingle(const pugi::xml_node& from, const std::string& query) {
-    if (!from)
-        raiseObjectNotSet(QString::fromLatin1(kSource));
-    try {
-        return from.select_node(query.c_str()).node();
-    } catch (const pugi::xpath_exception& e) {
-        throw Failure(FailureNumber::XmlLayer, QString::fromLatin1(kSource),
-                      QStringLiteral("Expression error: %1").arg(fromUtf8(e.what())));
+// A name as it stands in a look-up; the query language cannot hold an apostrophe in it.
+std::string queryName(const QString& name) {
+    if (name.contains(QLatin1Char('\'')))
+        throw Failure(
+            FailureNumber::XmlLayer, QString::fromLatin1(kSource),
+            QStringLiteral("Expression error: the name %1 ends its quotation early").arg(name));
+    return utf8(name);
+}
+
+// One step of a look-up path: an element name and, when set, the value its "name" attribute
+// must have.
+struct Step {
+    const char* element;
+    const char* name;
+};
+
+// The first element that the path reaches from `from`, in document order.
+pugi::xml_node selectPath(const pugi::xml_node& from, std::initializer_list<Step> path,
+                          std::size_t depth = 0) {
+    const Step& step = *(path.begin() + depth);
+    for (pugi::xml_node child = from.child(step.element); child;
+         child = child.next_sibling(step.element)) {
+        if (step.name && std::strcmp(child.attribute("name").value(), step.name) != 0)
+            continue;
+        if (depth + 1 == path.size())
+            return child;
+        if (pugi::xml_node found = selectPath(child, path, depth + 1))
+            return found;
     }
+    return {};
 }
 
 pugi::xpath_node_set selectAll(const pugi::xml_node& from, const char* query) {
@@ -328,15 +348,26 @@ void clsPropertiesXML::loadDocument(const QString& file) {
     declaration.append_attribute("encoding").set_value("utf-8");
 }
 
+// The look-ups select the first node of a path such as
+// "SECTIONS/SECTION[@name='<section>']/KEY[@name='<key>']" in document order. They walk the tree
+// directly rather than compiling that query on every read, with the same answers: a name that
+// holds an apostrophe cannot stand in such a query and fails as the query would.
 pugi::xml_node clsPropertiesXML::findApplicationNode(const QString& application) {
-    return selectSingle(mDocument, "APPLICATIONS/APPLICATION[@name='" + utf8(application) + "']");
+    if (!mDocument)
+        raiseObjectNotSet(QString::fromLatin1(kSource));
+    const std::string name = queryName(application);
+    return selectPath(mDocument, {{"APPLICATIONS", nullptr}, {"APPLICATION", name.c_str()}});
 }
 
 pugi::xml_node clsPropertiesXML::findSectionNode(const QString& section) {
-    return selectSingle(applicationNode(), "SECTIONS/SECTION[@name='" + utf8(section) + "']");
+    const std::string name = queryName(section);
+    return selectPath(applicationNode(), {{"SECTIONS", nullptr}, {"SECTION", name.c_str()}});
 }
 
 pugi::xml_node clsPropertiesXML::findKeyNode(const QString& section, const QString& key) {
-    return selectSingle(applicationNode(), "SECTIONS/SECTION[@name='" + utf8(section) +
-                                               "']/KEY[@name='" + utf8(key) + "']");
+    const std::string sectionName = queryName(section);
+    const std::string keyName = queryName(key);
+    return selectPath(
+        applicationNode(),
+        {{"SECTIONS", nullptr}, {"SECTION", sectionName.c_str()}, {"KEY", keyName.c_str()}});
 }
