@@ -36,9 +36,7 @@ public:
     bool changed() const { return mChanged; }
     void setChanged(bool changed) { mChanged = changed; }
     clsMMSManager* MMSManager() const { return mMMSManager.get(); }
-    frmMessageList* messageListDialog() const { return mFrmOpen; }
     QTimer* TimerExitWait() const { return mTimerExitWait; }
-    int windowWidthTwips() const { return mWindowWidth; }
 
     // Commands; the menu bar, the buttons and the dialogs end here.
     void ctlMainMenu1_MenuClick(std::int32_t key);
