@@ -190,8 +190,6 @@ void frmMain::Form_Activate() {
 
 void frmMain::InitMessageManager() {
     mMMSManager = std::make_unique<clsMMSManager>();
-    connect(mMMSManager.get(), &clsMMSManager::ProsessingSlide, this,
-            &frmMain::MMSManager_ProsessingSlide);
     const QString messages =
         gProperties
             ? gProperties->GetProp(QStringLiteral("paths"), QStringLiteral("messages"), QString())
@@ -470,10 +468,6 @@ void frmMain::MMSCommunication_Connect(bool connected, int connectionType, const
     ui->lblPhoneConnected->setToolTip(name);
     ui->lblPhoneConnected->setText(name.size() > 10 ? name.left(7) + QStringLiteral("...") : name);
     ui->ctlBlink1->Start(connectionType == 1 || connectionType == 2 ? connectionType : 3, blink);
-}
-
-void frmMain::MMSManager_ProsessingSlide(std::int16_t, std::int16_t) {
-    // The progress goes to the send window, which comes with the phone transport.
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -55,7 +55,6 @@ public:
     void mFrmOpen_SelectedMessage(int mode, const QString& name);
     void ApplySettings();
     void MMSCommunication_Connect(bool connected, int connectionType, const QString& name);
-    void MMSManager_ProsessingSlide(std::int16_t slideIndex, std::int16_t slideCount);
 
     // Slides.
     void AddSlide(bool ask, bool storeFirst);
