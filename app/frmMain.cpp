@@ -34,7 +34,7 @@ namespace {
 const QString kPreferences = QStringLiteral("preferences");
 
 QString pref(const QString& key, const QString& defaultValue) {
-    return gProperties ? gProperties->GetProp(kPreferences, key, defaultValue) : defaultValue;
+    return gProperties() ? gProperties()->GetProp(kPreferences, key, defaultValue) : defaultValue;
 }
 
 void pumpEvents() {
@@ -121,7 +121,7 @@ frmMain::~frmMain() {
 }
 
 QString frmMain::text(const QString& key) const {
-    return gLocalizer ? gLocalizer->GetString(key) : key;
+    return gLocalizer() ? gLocalizer()->GetString(key) : key;
 }
 
 bool frmMain::askNewSlide() const {
@@ -191,12 +191,12 @@ void frmMain::Form_Activate() {
 void frmMain::InitMessageManager() {
     mMMSManager = std::make_unique<clsMMSManager>();
     const QString messages =
-        gProperties
-            ? gProperties->GetProp(QStringLiteral("paths"), QStringLiteral("messages"), QString())
+        gProperties()
+            ? gProperties()->GetProp(QStringLiteral("paths"), QStringLiteral("messages"), QString())
             : QString();
-    const QString file = gProperties
-                             ? gProperties->GetProp(QStringLiteral("paths"),
-                                                    QStringLiteral("messagefile"), QString())
+    const QString file = gProperties()
+                             ? gProperties()->GetProp(QStringLiteral("paths"),
+                                                      QStringLiteral("messagefile"), QString())
                              : QString();
     // Without both keys the manager stays without a store: its operations then fail.
     if (!messages.isEmpty() && !file.isEmpty())
@@ -223,8 +223,8 @@ void frmMain::InitSkin() {
         button->setIcon(toolGlyph(QString::fromLatin1(glyph)));
 
     const QString skin = pref(QStringLiteral("Skin"), QString());
-    if (!skin.isEmpty() && gProperties) {
-        const QString back = gProperties->GetProp(skin, QStringLiteral("BackPicture"), QString());
+    if (!skin.isEmpty() && gProperties()) {
+        const QString back = gProperties()->GetProp(skin, QStringLiteral("BackPicture"), QString());
         if (!back.isEmpty()) {
             const QPixmap picture(joinPath(appFolder(), back));
             if (picture.isNull())
@@ -302,9 +302,9 @@ void frmMain::ctlVerticalTab1_TabClick(int index) {
             continue;
         page->raise();
         ui->lblToolTitle->setText(text(QString::fromLatin1(kToolTitles[index])));
-        if (gProperties)
-            gProperties->SetProp(kPreferences, QStringLiteral("SelectedTool"),
-                                 QString::number(index));
+        if (gProperties())
+            gProperties()->SetProp(kPreferences, QStringLiteral("SelectedTool"),
+                                   QString::number(index));
     }
 }
 
@@ -365,8 +365,8 @@ void frmMain::Form_Unload() {
     delete mFrmOpen;
     mFrmOpen = nullptr;
 
-    if (gProperties)
-        gProperties->SaveXmlFile();
+    if (gProperties())
+        gProperties()->SaveXmlFile();
     releaseSharedObjects();
 
     for (QWidget* window : QApplication::topLevelWidgets())
@@ -426,13 +426,13 @@ void frmMain::TranslateForm() {
     const QString time = ui->lblTime->text();
     const QString phone = ui->lblPhoneConnected->text();
 
-    if (gLocalizer)
-        gLocalizer->TranslateForm(this);
+    if (gLocalizer())
+        gLocalizer()->TranslateForm(this);
     ui->ctlMainMenu1->EnableTemplates(
         pref(QStringLiteral("TemplateLoadSave"), QStringLiteral("0")) == QLatin1String("1"));
-    if (gLocalizer) {
-        ui->ctlMainMenu1->TranslateControl(gLocalizer);
-        ui->ctlVerticalTab1->TranslateControl(gLocalizer);
+    if (gLocalizer()) {
+        ui->ctlMainMenu1->TranslateControl(gLocalizer());
+        ui->ctlVerticalTab1->TranslateControl(gLocalizer());
     }
     const int tool = ui->ctlVerticalTab1->SelectedIndex();
     if (tool >= 0 && tool < int(std::size(kToolTitles)))

@@ -33,32 +33,32 @@ const QString kPreferences = QStringLiteral("preferences");
 
 // Writes `code`, or the part before its first "-", or "en-us", whichever is available first.
 QString availableLanguageFor(QString code) {
-    if (isLanguageAvailable(*gProperties, code))
+    if (isLanguageAvailable(*gProperties(), code))
         return code;
     if (code.contains(QLatin1Char('-')))
         code = code.section(QLatin1Char('-'), 0, 0);
-    return isLanguageAvailable(*gProperties, code) ? code : QStringLiteral("en-us");
+    return isLanguageAvailable(*gProperties(), code) ? code : QStringLiteral("en-us");
 }
 
 // The `Language` value that a legacy `LanguageID` entry stands for.
 QString legacyLanguage(QString value) {
     if (!value.startsWith(QLatin1Char('H')))
         value = langIdToKey(value.toInt());
-    const QString entry = gProperties->GetProp(QStringLiteral("langid"), value, QString());
+    const QString entry = gProperties()->GetProp(QStringLiteral("langid"), value, QString());
     if (entry.isEmpty())
         return QStringLiteral("en-us");
     QString code = entry.section(QLatin1Char(';'), 0, 0).toLower();
-    if (!gProperties->GetProp(QStringLiteral("languages"), code, QString()).isEmpty())
+    if (!gProperties()->GetProp(QStringLiteral("languages"), code, QString()).isEmpty())
         return code;
     code = code.section(QLatin1Char('-'), 0, 0).toLower();
-    if (!gProperties->GetProp(QStringLiteral("languages"), code, QString()).isEmpty())
+    if (!gProperties()->GetProp(QStringLiteral("languages"), code, QString()).isEmpty())
         return code;
     return QStringLiteral("en-us");
 }
 
 bool showSplashWanted() {
-    return gProperties->GetProp(kPreferences, QStringLiteral("ShowSplash"), QStringLiteral("1")) ==
-           QLatin1String("1");
+    return gProperties()->GetProp(kPreferences, QStringLiteral("ShowSplash"),
+                                  QStringLiteral("1")) == QLatin1String("1");
 }
 
 QString commandLineOf(const QStringList& arguments) {
@@ -72,8 +72,6 @@ QString commandLineOf(const QStringList& arguments) {
         return {};
     return line.startsWith(QLatin1Char(' ')) ? line : QLatin1Char(' ') + line;
 }
-
-std::unique_ptr<SingleInstance> gInstance;
 
 void showSplash() {
     gSplashActive = true;
@@ -90,12 +88,12 @@ QString currentStep() {
 
 void chooseFirstRunLanguage() {
     const QString initialized =
-        gProperties->GetProp(kPreferences, QStringLiteral("Initialized"), QString());
+        gProperties()->GetProp(kPreferences, QStringLiteral("Initialized"), QString());
     if (!initialized.isEmpty() && initialized != QLatin1String("0"))
         return;
-    gProperties->SetProp(kPreferences, QStringLiteral("Language"),
-                         availableLanguageFor(getSystemLanguageCode(*gProperties)));
-    gProperties->SetProp(kPreferences, QStringLiteral("Initialized"), QStringLiteral("1"));
+    gProperties()->SetProp(kPreferences, QStringLiteral("Language"),
+                           availableLanguageFor(getSystemLanguageCode(*gProperties())));
+    gProperties()->SetProp(kPreferences, QStringLiteral("Initialized"), QStringLiteral("1"));
 }
 
 void importLegacySettings() {
@@ -126,17 +124,17 @@ void importLegacySettings() {
                     key = QStringLiteral("Language");
                     value = legacyLanguage(value);
                 }
-                gProperties->SetProp(section, key, value);
+                gProperties()->SetProp(section, key, value);
             }
         }
-        gProperties->SaveXmlFile();
+        gProperties()->SaveXmlFile();
         result = true;
     }
 
     if (writeLog) {
         const QString stamp = Format(QDateTime::currentDateTime(), QStringLiteral("yymmdd_HhNnSs"));
-        gProperties->SetProp(QStringLiteral("AutoUpdate"), QStringLiteral("U_") + stamp,
-                             result ? QStringLiteral("OK") : QStringLiteral("ERROR"));
+        gProperties()->SetProp(QStringLiteral("AutoUpdate"), QStringLiteral("U_") + stamp,
+                               result ? QStringLiteral("OK") : QStringLiteral("ERROR"));
     }
     if (deleteAfter) {
         QFile(file).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
@@ -158,24 +156,19 @@ void reportFailure(const Failure& failure, const QString& step) {
 }
 
 void releaseSharedObjects() {
-    delete gProperties; // saves a changed store
-    gProperties = nullptr;
-}
-
-void releaseLocalizer() {
-    delete gLocalizer;
-    gLocalizer = nullptr;
+    if (SharedConfig* shared = SharedConfig::current())
+        shared->releaseProperties(); // saves a changed store
 }
 
 namespace {
 
 // The start-up steps; a failure leaves them at once for the handler.
-void runStartup(TessalyApplication& app) {
+void runStartup(TessalyApplication& app, SharedConfig& shared) {
     gUserLCID = userDefaultLCID();
     gDecimalSeparator = localeDecimalSeparator();
 
     gStep = QStringLiteral("ModMain.Main - Program Properties");
-    gProperties = new clsPropertiesXML();
+    clsPropertiesXML& properties = shared.setProperties(std::make_unique<clsPropertiesXML>());
     gStarting = true;
 
     if (showSplashWanted())
@@ -188,11 +181,11 @@ void runStartup(TessalyApplication& app) {
     // The sound layer comes with the audio subsystem.
 
     gStep = QStringLiteral("ModMain.Main - clsXMLLocalizer");
-    gLocalizer = new clsXMLocalizer(*gProperties);
+    clsXMLocalizer& localizer = shared.setLocalizer(std::make_unique<clsXMLocalizer>(properties));
     const QString language =
-        gProperties->GetProp(kPreferences, QStringLiteral("Language"), QStringLiteral("en-us"));
+        properties.GetProp(kPreferences, QStringLiteral("Language"), QStringLiteral("en-us"));
     gStep = QStringLiteral("ModMain.Main - clsXMLLocalizer.SetLanguage");
-    gLocalizer->SetLanguage(language);
+    localizer.SetLanguage(language);
 
     gCommandLine = commandLineOf(app.arguments());
 
@@ -216,12 +209,10 @@ int Main(int argc, char** argv) {
     TessalyApplication app(argc, argv);
 
     // A second start brings the first one forward and leaves without a word.
-    gInstance = std::make_unique<SingleInstance>(SingleInstance::defaultKey());
-    if (gInstance->activateRunningInstance()) {
-        gInstance.reset();
+    SingleInstance instance(SingleInstance::defaultKey());
+    if (instance.activateRunningInstance())
         return 0;
-    }
-    if (!gInstance->listen([] {
+    if (!instance.listen([] {
             if (gMainWindow) {
                 gMainWindow->showNormal();
                 gMainWindow->raise();
@@ -229,27 +220,23 @@ int Main(int argc, char** argv) {
             }
         })) {
         // Another start won the race for the socket: it is the one instance.
-        if (gInstance->activateRunningInstance()) {
-            gInstance.reset();
+        if (instance.activateRunningInstance())
             return 0;
-        }
     }
 
+    // The preferences store and the localiser live until the event loop has ended (the main
+    // window's unload saves and drops the store before that).
+    SharedConfig shared;
     try {
-        runStartup(app);
+        runStartup(app, shared);
     } catch (const Failure& failure) {
         reportFailure(failure, gStep);
-        gInstance.reset();
         return 1;
     } catch (const std::exception& e) {
         reportFailure(Failure(FailureNumber::InvalidProcedureCall, QStringLiteral("Main"),
                               QString::fromLocal8Bit(e.what())),
                       gStep);
-        gInstance.reset();
         return 1;
     }
-    const int code = app.exec();
-    gInstance.reset();
-    releaseLocalizer();
-    return code;
+    return app.exec();
 }

@@ -22,9 +22,6 @@ void reportFailure(const Failure& failure, const QString& step);
 // The stage label of start-up, for the failure report.
 QString currentStep();
 
-// Releases what start-up made (the main window's unload calls it): saves and drops the
-// preferences store.
+// The main window's unload: saves and drops the shared preferences store. The localiser stays
+// until Main ends.
 void releaseSharedObjects();
-
-// Drops the localiser, the last shared object, when the event loop has ended.
-void releaseLocalizer();

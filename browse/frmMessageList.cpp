@@ -138,7 +138,7 @@ frmMessageList::frmMessageList(clsMMSManager* manager, QWidget* parent)
 frmMessageList::~frmMessageList() = default;
 
 QString frmMessageList::textOf(const QString& key) const {
-    return gLocalizer ? gLocalizer->GetString(key) : localText(key);
+    return gLocalizer() ? gLocalizer()->GetString(key) : localText(key);
 }
 
 void frmMessageList::DoTabs(QListWidget* list, const QList<int>& tabs) {
@@ -153,8 +153,8 @@ void frmMessageList::DoTabs(QListWidget* list, const QList<int>& tabs) {
 }
 
 void frmMessageList::TranslateForm() {
-    if (gLocalizer)
-        gLocalizer->TranslateForm(this);
+    if (gLocalizer())
+        gLocalizer()->TranslateForm(this);
 }
 
 QString frmMessageList::firstField(const QString& entry) {
@@ -310,8 +310,8 @@ void frmMessageList::cmdOpen_Click() {
     if (mMode == SaveAs && listHolds(name)) {
         const QStringList params{name, QStringLiteral("\r\n\r\n")};
         QString question;
-        if (gLocalizer) {
-            question = gLocalizer->GetStringPar(QStringLiteral("STR_MSG_EXISTS"), params);
+        if (gLocalizer()) {
+            question = gLocalizer()->GetStringPar(QStringLiteral("STR_MSG_EXISTS"), params);
         } else {
             question = localText(QStringLiteral("STR_MSG_EXISTS"));
             question.replace(QLatin1String("%n"), QLatin1String("\r\n"));

@@ -54,11 +54,11 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui::f
     mTitleHome = ui->lblTitle->pos();
 
     // Form_Load
-    if (gLocalizer)
-        gLocalizer->TranslateForm(this);
+    if (gLocalizer())
+        gLocalizer()->TranslateForm(this);
     ui->lblVersion->setText(AppVersionText());
-    ui->lblTitle->setText(gLocalizer ? gLocalizer->GetString(QStringLiteral("APP_PRODUCTNAME"))
-                                     : AppProductName());
+    ui->lblTitle->setText(gLocalizer() ? gLocalizer()->GetString(QStringLiteral("APP_PRODUCTNAME"))
+                                       : AppProductName());
     ui->lblDisclaimer->setText(AppLegalText());
 }
 

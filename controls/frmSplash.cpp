@@ -100,8 +100,8 @@ bool frmSplash::Shrinking() const {
 }
 
 void frmSplash::TranslateForm() {
-    if (gLocalizer)
-        gLocalizer->TranslateForm(this);
+    if (gLocalizer())
+        gLocalizer()->TranslateForm(this);
     ui->lblVersion->setText(AppVersionText());
 }
 

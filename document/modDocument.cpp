@@ -70,9 +70,9 @@ QString boolText(bool value) {
 }
 
 QString documentProp(const QString& section, const QString& key, const QString& defaultValue) {
-    if (!gProperties)
+    if (!gProperties())
         return defaultValue;
-    return gProperties->GetProp(section, key, defaultValue);
+    return gProperties()->GetProp(section, key, defaultValue);
 }
 
 QString messageNameProblem(const QString& name) {

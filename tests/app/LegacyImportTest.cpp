@@ -13,9 +13,8 @@ namespace {
 class LegacyImport : public ::testing::Test {
 protected:
     TestHome home{true};
-    std::unique_ptr<clsPropertiesXML> store = std::make_unique<clsPropertiesXML>();
-    void SetUp() override { gProperties = store.get(); }
-    void TearDown() override { gProperties = nullptr; }
+    SharedConfig shared;
+    clsPropertiesXML* store = &shared.setProperties(std::make_unique<clsPropertiesXML>());
 
     QString importedLanguage(const QByteArray& id) {
         home.write(QStringLiteral("tessaly.ini"), "[preferences]\r\nLanguageID=" + id + "\r\n");

@@ -33,14 +33,15 @@ class MainWindow : public ::testing::Test {
 protected:
     TestHome home{true};
     ScriptedResponder boxes;
+    SharedConfig shared;
     QPointer<frmMain> window;
 
     void SetUp() override {
-        gProperties = new clsPropertiesXML();
-        gProperties->SetProp(QStringLiteral("preferences"), QStringLiteral("AskNewSlide"),
-                             QStringLiteral("0"));
-        gLocalizer = new clsXMLocalizer(*gProperties);
-        gLocalizer->SetLanguage(QStringLiteral("en-us"));
+        shared.setProperties(std::make_unique<clsPropertiesXML>())
+            .SetProp(QStringLiteral("preferences"), QStringLiteral("AskNewSlide"),
+                     QStringLiteral("0"));
+        shared.setLocalizer(std::make_unique<clsXMLocalizer>(*gProperties()))
+            .SetLanguage(QStringLiteral("en-us"));
         gStarting = true;
         gSplashActive = false;
         window = new frmMain();
@@ -49,13 +50,7 @@ protected:
         ASSERT_FALSE(gStarting) << "the first activation ends start-up";
     }
 
-    void TearDown() override {
-        delete window.data();
-        delete gLocalizer;
-        gLocalizer = nullptr;
-        delete gProperties;
-        gProperties = nullptr;
-    }
+    void TearDown() override { delete window.data(); }
 
     QString messages() const { return home.file(QStringLiteral("Messages")); }
     bool stored(const QString& name) const {
@@ -104,18 +99,18 @@ TEST_F(MainWindow, CloseBoxAsksLikeExitAndGoesAfterTheTimer) {
     window->close();
     ASSERT_EQ(boxes.boxes.size(), 1u);
     EXPECT_EQ(boxes.boxes[0].style, Vb::YesNo | Vb::Question);
-    EXPECT_EQ(boxes.boxes[0].text, gLocalizer->GetString(QStringLiteral("ASK_EXIT")));
+    EXPECT_EQ(boxes.boxes[0].text, gLocalizer()->GetString(QStringLiteral("ASK_EXIT")));
     EXPECT_TRUE(window->isVisible()) << "No stays in the program";
 
-    gProperties->SetProp(QStringLiteral("preferences"), QStringLiteral("SelectedTool"),
-                         QStringLiteral("3"));
+    gProperties()->SetProp(QStringLiteral("preferences"), QStringLiteral("SelectedTool"),
+                           QStringLiteral("3"));
     boxes.boxAnswers = {Vb::Yes};
     window->close();
     EXPECT_TRUE(window->TimerExitWait()->isActive());
     EXPECT_TRUE(window->isVisible()) << "the window waits for the timer";
     EXPECT_EQ(window->TimerExitWait()->interval(), 100);
     QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 2000);
-    EXPECT_EQ(gProperties, nullptr) << "the unload released the preferences";
+    EXPECT_EQ(gProperties(), nullptr) << "the unload released the preferences";
     EXPECT_TRUE(
         home.read(QStringLiteral("tessaly.xml")).contains("<KEY name=\"SelectedTool\">3</KEY>"))
         << "and saved them";
@@ -182,7 +177,7 @@ TEST_F(MainWindow, ExitStaysWhenTheSaveFails) {
     EXPECT_FALSE(window->RequestExit());
     EXPECT_FALSE(window->TimerExitWait()->isActive());
     ASSERT_EQ(boxes.boxes.size(), 2u);
-    EXPECT_EQ(boxes.boxes[1].text, gLocalizer->GetString(QStringLiteral("STR_SAVE_MSG_ERROR")));
+    EXPECT_EQ(boxes.boxes[1].text, gLocalizer()->GetString(QStringLiteral("STR_SAVE_MSG_ERROR")));
     EXPECT_EQ(boxes.boxes[1].style, Vb::Critical);
     EXPECT_TRUE(window->changed());
 }
@@ -199,8 +194,8 @@ TEST_F(MainWindow, SaveOfTheUntitledMessageAsksForAName) {
 }
 
 TEST_F(MainWindow, MissingSkinPictureIsReportedAndTheWindowGoesOn) {
-    gProperties->SetProp(QStringLiteral("Skin_Default"), QStringLiteral("BackPicture"),
-                         QStringLiteral("\\skin\\none.bmp"));
+    gProperties()->SetProp(QStringLiteral("Skin_Default"), QStringLiteral("BackPicture"),
+                           QStringLiteral("\\skin\\none.bmp"));
     window->ApplySettings();
     ASSERT_EQ(boxes.boxes.size(), 1u);
     EXPECT_EQ(boxes.boxes[0].title, QStringLiteral("InitSkin"));
@@ -210,8 +205,8 @@ TEST_F(MainWindow, MissingSkinPictureIsReportedAndTheWindowGoesOn) {
 }
 
 TEST_F(MainWindow, TemplateItemsDoNothing) {
-    gProperties->SetProp(QStringLiteral("preferences"), QStringLiteral("TemplateLoadSave"),
-                         QStringLiteral("1"));
+    gProperties()->SetProp(QStringLiteral("preferences"), QStringLiteral("TemplateLoadSave"),
+                           QStringLiteral("1"));
     window->TranslateForm();
     window->setChanged(true);
     auto* before = window->message();
@@ -249,7 +244,7 @@ TEST_F(MainWindow, OpenLoadsTheFirstSlideIntoTheWindow) {
     EXPECT_EQ(label("lblMaxTime")->text(), QStringLiteral("6.0s"));
     EXPECT_EQ(label("lblMessageTitle")->text(), QStringLiteral("Trip"));
     EXPECT_EQ(label("lblSlideNo")->text(),
-              gLocalizer->GetString(QStringLiteral("MNU_SLIDE_DELETE_SLIDE")) +
+              gLocalizer()->GetString(QStringLiteral("MNU_SLIDE_DELETE_SLIDE")) +
                   QStringLiteral(" 1"));
 }
 
@@ -270,7 +265,7 @@ TEST_F(MainWindow, NewAsksToSaveAChangedMessage) {
     boxes.boxAnswers = {Vb::Yes};
     window->ctlMainMenu1_MenuClick(1);
     ASSERT_EQ(boxes.boxes.size(), 1u);
-    EXPECT_EQ(boxes.boxes[0].text, gLocalizer->GetString(QStringLiteral("STR_SAVE_MSG")));
+    EXPECT_EQ(boxes.boxes[0].text, gLocalizer()->GetString(QStringLiteral("STR_SAVE_MSG")));
     auto reopened = window->MMSManager()->OpenMsg(QStringLiteral("Kept"));
     EXPECT_EQ(reopened->Slides()->Item(1)->Text(), QStringLiteral("Edited"));
     EXPECT_EQ(window->message()->name(), untitled());
@@ -289,7 +284,7 @@ TEST_F(MainWindow, SaveAsStoresUnderTheNewNameAndClearsTheFlag) {
 TEST_F(MainWindow, EmptyNameFromTheDialogIsRefused) {
     window->mFrmOpen_SelectedMessage(frmMessageList::SaveAs, QStringLiteral("   "));
     ASSERT_EQ(boxes.boxes.size(), 1u);
-    EXPECT_EQ(boxes.boxes[0].text, gLocalizer->GetString(QStringLiteral("STR_ENTER_NAME")));
+    EXPECT_EQ(boxes.boxes[0].text, gLocalizer()->GetString(QStringLiteral("STR_ENTER_NAME")));
     EXPECT_EQ(boxes.boxes[0].style, Vb::Information);
     EXPECT_EQ(window->message()->name(), untitled());
 }
@@ -298,18 +293,18 @@ TEST_F(MainWindow, LanguageChangeKeepsTheFlagAndTheLabels) {
     window->setChanged(true);
     window->MMSCommunication_Connect(true, 1, QStringLiteral("Nokia"));
     const QString total = label("lblMaxTime")->text();
-    gLocalizer->SetLanguage(QStringLiteral("de-de"));
+    gLocalizer()->SetLanguage(QStringLiteral("de-de"));
     window->TranslateForm();
     EXPECT_TRUE(window->changed());
     EXPECT_EQ(label("lblMaxTime")->text(), total);
     EXPECT_EQ(label("lblPhoneConnected")->text(), QStringLiteral("Nokia"));
     // Captions are German now.
     EXPECT_EQ(label("lblTotalTimeDesc")->text(),
-              gLocalizer->GetFormText(QStringLiteral("frmMain_lblTotalTimeDesc__caption")));
+              gLocalizer()->GetFormText(QStringLiteral("frmMain_lblTotalTimeDesc__caption")));
     EXPECT_NE(label("lblTotalTimeDesc")->text(), QStringLiteral("Total time:"));
     // The empty text box follows the language of its prompt.
     EXPECT_EQ(window->findChild<QPlainTextEdit*>(QStringLiteral("txtMessage"))->toPlainText(),
-              gLocalizer->GetString(QStringLiteral("STR_CLICK_TO_ADD")));
+              gLocalizer()->GetString(QStringLiteral("STR_CLICK_TO_ADD")));
     window->StoreSlideFromUI();
     EXPECT_EQ(window->message()->Slides()->Item(1)->Text(), QString())
         << "the prompt is never stored";
@@ -326,7 +321,7 @@ TEST_F(MainWindow, DeleteListSparesTheOpenMessage) {
     EXPECT_TRUE(stored(QStringLiteral("Open")));
     ASSERT_EQ(boxes.boxes.size(), 1u);
     EXPECT_EQ(boxes.boxes[0].style, Vb::Exclamation);
-    EXPECT_EQ(boxes.boxes[0].text, gLocalizer->GetString(QStringLiteral("STR_CANNOT_DELMSG")) +
+    EXPECT_EQ(boxes.boxes[0].text, gLocalizer()->GetString(QStringLiteral("STR_CANNOT_DELMSG")) +
                                        QStringLiteral("\n\nOpen"));
 }
 
@@ -349,13 +344,13 @@ TEST_F(MainWindow, AddingSlidesMarksTheMessageAndSumsTheTime) {
     EXPECT_TRUE(window->changed());
     EXPECT_EQ(label("lblMaxTime")->text(), QStringLiteral("9.0s"));
 
-    gProperties->SetProp(QStringLiteral("preferences"), QStringLiteral("AskNewSlide"),
-                         QStringLiteral("1"));
+    gProperties()->SetProp(QStringLiteral("preferences"), QStringLiteral("AskNewSlide"),
+                           QStringLiteral("1"));
     boxes.boxAnswers = {Vb::No};
     window->ctlMainMenu1_MenuClick(11);
     EXPECT_EQ(window->message()->Slides()->Count(), 3) << "No adds nothing";
     ASSERT_EQ(boxes.boxes.size(), 1u);
-    EXPECT_EQ(boxes.boxes[0].title, gLocalizer->GetString(QStringLiteral("STR_APPEND_SLIDE")));
+    EXPECT_EQ(boxes.boxes[0].title, gLocalizer()->GetString(QStringLiteral("STR_APPEND_SLIDE")));
 }
 
 TEST_F(MainWindow, MaximisingGoesBackToTheFixedSize) {
@@ -374,6 +369,6 @@ TEST_F(MainWindow, AboutShowsTheProductAndItsVersion) {
         about->reject();
     });
     window->ctlMainMenu1_MenuClick(27);
-    EXPECT_EQ(title, gLocalizer->GetString(QStringLiteral("APP_PRODUCTNAME")));
+    EXPECT_EQ(title, gLocalizer()->GetString(QStringLiteral("APP_PRODUCTNAME")));
     EXPECT_FALSE(version.isEmpty());
 }

@@ -14,13 +14,12 @@ namespace {
 
 const QString pref = QStringLiteral("preferences");
 
-// A store over a fresh application folder with the shipped data, installed as gProperties.
+// A store over a fresh application folder with the shipped data, installed as the shared store.
 class Startup : public ::testing::Test {
 protected:
     TestHome home{true};
-    std::unique_ptr<clsPropertiesXML> store = std::make_unique<clsPropertiesXML>();
-    void SetUp() override { gProperties = store.get(); }
-    void TearDown() override { gProperties = nullptr; }
+    SharedConfig shared;
+    clsPropertiesXML* store = &shared.setProperties(std::make_unique<clsPropertiesXML>());
 
     QString systemKey() const { return langIdToKey(0); }
     QString language() const {

@@ -362,11 +362,10 @@ TEST_F(MessageListTest, EntriesAreDrawnAtTheTabStop) {
 
 TEST(MessageListLocalised, QuestionAndCaptionsComeFromTheLanguageFile) {
     TestHome home(true);
-    clsPropertiesXML properties;
-    clsXMLocalizer localizer(properties);
-    ASSERT_TRUE(localizer.SetLanguage(QStringLiteral("en-us")));
-    gProperties = &properties;
-    gLocalizer = &localizer;
+    SharedConfig shared;
+    clsPropertiesXML& properties = shared.setProperties(std::make_unique<clsPropertiesXML>());
+    ASSERT_TRUE(shared.setLocalizer(std::make_unique<clsXMLocalizer>(properties))
+                    .SetLanguage(QStringLiteral("en-us")));
     ScriptedResponder responder;
     clsMMSManager manager;
     manager.Initialize(home.file(QStringLiteral("Messages/")), QStringLiteral("message.xml"));
@@ -390,6 +389,4 @@ TEST(MessageListLocalised, QuestionAndCaptionsComeFromTheLanguageFile) {
                                  "to replace it?"));
         EXPECT_EQ(responder.boxes[0].title, QStringLiteral("Save As"));
     }
-    gLocalizer = nullptr;
-    gProperties = nullptr;
 }

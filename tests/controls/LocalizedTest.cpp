@@ -27,15 +27,14 @@ protected:
                       QStringLiteral("English,1"));
         props.SetProp(QStringLiteral("languages"), QStringLiteral("de-de"),
                       QStringLiteral("Deutsch,1"));
-        localizer = std::make_unique<clsXMLocalizer>(props);
+        localizer = &shared.setLocalizer(std::make_unique<clsXMLocalizer>(props));
         EXPECT_TRUE(localizer->SetLanguage(QStringLiteral("de-de")));
-        gLocalizer = localizer.get();
     }
-    ~Localized() override { gLocalizer = nullptr; }
 
     TestHome home;
-    clsPropertiesXML props;
-    std::unique_ptr<clsXMLocalizer> localizer;
+    SharedConfig shared;
+    clsPropertiesXML& props = shared.setProperties(std::make_unique<clsPropertiesXML>());
+    clsXMLocalizer* localizer = nullptr;
 };
 
 } // namespace
@@ -43,7 +42,7 @@ protected:
 TEST_F(Localized, MenuBarTakesGermanCaptions) {
     ctlMainMenu menu;
     menu.resize(260, 20);
-    menu.TranslateControl(localizer.get());
+    menu.TranslateControl(localizer);
     EXPECT_EQ(menu.MenuLabel(0)->text(), QStringLiteral("Datei"));
     EXPECT_TRUE(menu.MenuString(0).startsWith(QStringLiteral("Neu;1,")));
     EXPECT_EQ(menu.MenuLabel(2)->x() + menu.MenuLabel(2)->width(), 260);
@@ -51,7 +50,7 @@ TEST_F(Localized, MenuBarTakesGermanCaptions) {
 
 TEST_F(Localized, TabTooltipsInGerman) {
     ctlVerticalTab tabs;
-    tabs.TranslateControl(localizer.get());
+    tabs.TranslateControl(localizer);
     EXPECT_EQ(tabs.ImgClick(0)->toolTip(), QStringLiteral("Hintergründe"));
 }
 

@@ -52,12 +52,11 @@ class PreferencesFixture : public ::testing::Test {
 protected:
     void SetUp() override {
         mProperties.Initialize(mHome.file(QStringLiteral("prefs.xml")), QStringLiteral("tessaly"));
-        gProperties = &mProperties;
     }
-    void TearDown() override { gProperties = nullptr; }
 
     TestHome mHome;
-    clsPropertiesXML mProperties;
+    SharedConfig mShared;
+    clsPropertiesXML& mProperties = mShared.setProperties(std::make_unique<clsPropertiesXML>());
 };
 } // namespace
 

@@ -90,14 +90,17 @@ TEST(MMSManagerTest, UninitialisedStoreFailsWithABox) {
 
 TEST(MMSManagerTest, CreateTakesTheSlideDurationPreference) {
     Store store;
-    clsPropertiesXML properties;
-    properties.Initialize(store.home.file(QStringLiteral("prefs.xml")), QStringLiteral("tessaly"));
-    properties.SetProp(QStringLiteral("preferences"), QStringLiteral("SlideDuration"),
-                       QStringLiteral("4200"));
-    gProperties = &properties;
-    auto message = store.manager.CreateMsg(QStringLiteral("New"));
-    auto opened = store.manager.OpenMsg(QStringLiteral("New"));
-    gProperties = nullptr;
+    std::shared_ptr<clsMessage> message, opened;
+    {
+        SharedConfig shared;
+        clsPropertiesXML& properties = shared.setProperties(std::make_unique<clsPropertiesXML>());
+        properties.Initialize(store.home.file(QStringLiteral("prefs.xml")),
+                              QStringLiteral("tessaly"));
+        properties.SetProp(QStringLiteral("preferences"), QStringLiteral("SlideDuration"),
+                           QStringLiteral("4200"));
+        message = store.manager.CreateMsg(QStringLiteral("New"));
+        opened = store.manager.OpenMsg(QStringLiteral("New"));
+    }
     EXPECT_EQ(message->DefaultDuration(), 4200);
     EXPECT_EQ(opened->DefaultDuration(), 4200);
     EXPECT_EQ(message->Slides()->Count(), 0);
