@@ -19,6 +19,7 @@
 #include "platform/VbFormat.h"
 #include "platform/modDialogs.h"
 #include "platform/modShared.h"
+#include "platform/modText.h"
 #include "store/clsMMSManager.h"
 
 #include <QApplication>
@@ -34,7 +35,7 @@ namespace {
 const QString kPreferences = QStringLiteral("preferences");
 
 QString pref(const QString& key, const QString& defaultValue) {
-    return gProperties() ? gProperties()->GetProp(kPreferences, key, defaultValue) : defaultValue;
+    return preference(kPreferences, key, defaultValue);
 }
 
 void pumpEvents() {
@@ -121,7 +122,7 @@ frmMain::~frmMain() {
 }
 
 QString frmMain::text(const QString& key) const {
-    return gLocalizer() ? gLocalizer()->GetString(key) : key;
+    return localText(key);
 }
 
 bool frmMain::askNewSlide() const {

@@ -138,7 +138,7 @@ frmMessageList::frmMessageList(clsMMSManager* manager, QWidget* parent)
 frmMessageList::~frmMessageList() = default;
 
 QString frmMessageList::textOf(const QString& key) const {
-    return gLocalizer() ? gLocalizer()->GetString(key) : localText(key);
+    return localText(key);
 }
 
 void frmMessageList::DoTabs(QListWidget* list, const QList<int>& tabs) {

@@ -15,6 +15,11 @@ clsXMLocalizer* gLocalizer() {
     return gCurrent ? gCurrent->localizer() : nullptr;
 }
 
+QString preference(const QString& section, const QString& key, const QString& defaultValue) {
+    clsPropertiesXML* properties = gProperties();
+    return properties ? properties->GetProp(section, key, defaultValue) : defaultValue;
+}
+
 SharedConfig::SharedConfig() : mPrevious(gCurrent) {
     gCurrent = this;
 }

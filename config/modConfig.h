@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <memory>
 
 class clsPropertiesXML;
@@ -9,6 +10,9 @@ class clsXMLocalizer;
 // window reads them through these accessors; a SharedConfig owns them.
 clsPropertiesXML* gProperties();
 clsXMLocalizer* gLocalizer();
+
+// A value of the shared store, or `defaultValue` when there is no store or no such key.
+QString preference(const QString& section, const QString& key, const QString& defaultValue);
 
 // Owns the shared preferences store and localiser and puts them in place for as long as it
 // lives; the ones it replaced come back when it ends. Main keeps one for the program's life,

@@ -1,5 +1,7 @@
 #include "document/clsDrawObjects.h"
 
+#include "config/modConfig.h"
+
 #include "platform/Failure.h"
 
 #include <cstring>
@@ -23,8 +25,8 @@ void clsDrawObjects::Initialize(XmlDocument document, pugi::xml_node slideElemen
     mBackgroundElement = mDrawObjectsElement.append_child("BACKGROUND");
     setAttr(mBackgroundElement, "name", QStringLiteral("background"), kSource);
     setAttr(mBackgroundElement, "color",
-            documentProp(QStringLiteral("preferences"), QStringLiteral("BackgroundColor"),
-                         QStringLiteral("16777215")),
+            preference(QStringLiteral("preferences"), QStringLiteral("BackgroundColor"),
+                       QStringLiteral("16777215")),
             kSource);
 }
 

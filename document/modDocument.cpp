@@ -69,12 +69,6 @@ QString boolText(bool value) {
     return value ? QStringLiteral("True") : QStringLiteral("False");
 }
 
-QString documentProp(const QString& section, const QString& key, const QString& defaultValue) {
-    if (!gProperties())
-        return defaultValue;
-    return gProperties()->GetProp(section, key, defaultValue);
-}
-
 QString messageNameProblem(const QString& name) {
     if (name.isEmpty())
         return QStringLiteral("A message needs a name");

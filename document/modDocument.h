@@ -34,9 +34,6 @@ std::int16_t toInt16(const QString& text, bool emptyIsZero, const char* source);
 // "True" or "False".
 QString boolText(bool value);
 
-// A preference read from the process-wide store when there is one, else `defaultValue`.
-QString documentProp(const QString& section, const QString& key, const QString& defaultValue);
-
 // The bytes of the built-in picture that stands for an empty slide (resource 200): a 160 by 120
 // bitmap with 256 colours.
 const QByteArray& emptySlideBitmap();

@@ -1,5 +1,6 @@
 #include "store/clsMMSManager.h"
 
+#include "config/modConfig.h"
 #include "document/clsMessage.h"
 #include "document/modDocument.h"
 #include "imaging/modPictureSave.h"
@@ -137,8 +138,8 @@ std::shared_ptr<clsMessage> clsMMSManager::CreateMsg(const QString& name) {
     auto message = std::make_shared<clsMessage>();
     message->Initialize(mMessagePath, mMessageFile, name);
     message->setDefaultDuration(
-        toLong(documentProp(QStringLiteral("preferences"), QStringLiteral("SlideDuration"),
-                            QStringLiteral("3000")),
+        toLong(preference(QStringLiteral("preferences"), QStringLiteral("SlideDuration"),
+                          QStringLiteral("3000")),
                false, kSource));
     return message;
 }
@@ -148,8 +149,8 @@ std::shared_ptr<clsMessage> clsMMSManager::OpenMsg(const QString& name) {
     message->Initialize(mMessagePath, mMessageFile, name);
     try {
         message->setDefaultDuration(
-            toLong(documentProp(QStringLiteral("preferences"), QStringLiteral("SlideDuration"),
-                                QStringLiteral("3000")),
+            toLong(preference(QStringLiteral("preferences"), QStringLiteral("SlideDuration"),
+                              QStringLiteral("3000")),
                    false, kSource));
     } catch (const Failure&) {
         // An unreadable preference leaves the default duration as it was; the open goes on.
