@@ -7,77 +7,70 @@
 
 namespace {
 
-QStringList list(std::initializer_list<const char*> items) {
-    QStringList result;
-    for (const char* item : items)
-        result << QString::fromUtf8(item);
-    return result;
+QStringList split(const char* items) {
+    return items[0] ? QString::fromUtf8(items).split(QLatin1Char(' ')) : QStringList();
 }
+
+struct PopupCase {
+    const char* menu;
+    const char* answer; // "" dismisses the menu
+    int chosen;
+    const char* keys; // the lists as the menu shows them, joined by blanks
+    const char* captions;
+    const char* disabled;
+    const char* checked;
+};
 
 } // namespace
 
-TEST(PopupMenu, PlainItemsKeepTheirKeysAndCaptions) {
-    ScriptedResponder responder;
-    responder.popupKeys = {QStringLiteral("7")};
-    clsPopupMenu popup;
-    EXPECT_EQ(popup.PopupStringXY(QStringLiteral("Open;2,Save;7,Quit;10"), 10, 20), 7);
-    ASSERT_EQ(responder.popups.size(), 1u);
-    EXPECT_EQ(responder.popups[0].keys, list({"2", "7", "10"}));
-    EXPECT_EQ(responder.popups[0].captions, list({"Open", "Save", "Quit"}));
-    EXPECT_TRUE(responder.popups[0].disabled.isEmpty());
-    EXPECT_TRUE(responder.popups[0].checked.isEmpty());
+TEST(PopupMenu, MenuStringsGiveTheirItemsAndTheChosenKey) {
+    const PopupCase cases[] = {
+        {"Open;2,Save;7,Quit;10", "7", 7, "2 7 10", "Open Save Quit", "", ""},
+        {"Open;2", "", 0, "2", "Open", "", ""},
+        // Items without a key count from one, around the keyed ones.
+        {"Red,Green;20,Blue,Cyan", "3", 3, "1 20 2 3", "Red Green Blue Cyan", "", ""},
+        // "!" anywhere disables, "#" anywhere checks, "!" wins over "#"; either mark costs the
+        // caption its first character, even when the mark stands elsewhere.
+        {"!Cut;4,#Bold;5,!#Both;6,Hello!;7,Size#2;8,#On;9", "5", 5, "4 5 6 7 8 9",
+         "Cut Bold #Both ello! ize#2 On", "4 6 7", "5 8 9"},
+        // A sub-menu's items follow its title; separators are no items.
+        {"Add;11,Insert;0|Before;13|-|After;14, - ,Show;24", "14", 14, "11 13 14 24",
+         "Add Before After Show", "", ""},
+        // Marks and the counter work inside a sub-menu; a disabled item chooses nothing.
+        {"First,Sub;0|!Gone|#Ticked|Plain", "2", 0, "1 2 3 4", "First Gone Ticked Plain", "2", "3"},
+        // A key is the leading number of its text; no number reads as 0.
+        {"A; 12abc,B;x", "12", 12, "12 0", "A B", "", ""},
+    };
+    for (const PopupCase& c : cases) {
+        SCOPED_TRACE(c.menu);
+        ScriptedResponder responder;
+        clsPopupMenu popup;
+        const QString menu = QString::fromUtf8(c.menu);
+        for (const char* answer : {c.answer, c.answer})
+            if (answer[0])
+                responder.popupKeys.push_back(QString::fromUtf8(answer));
+        EXPECT_EQ(popup.PopupStringXY(menu, 10, 20), c.chosen);
+        // The counter starts again at every pop-up: the second one is the same.
+        EXPECT_EQ(popup.PopupString(menu), c.chosen);
+        ASSERT_EQ(responder.popups.size(), 2u);
+        const ScriptedResponder::Popup& shown = responder.popups[0];
+        EXPECT_EQ(shown.keys, split(c.keys));
+        EXPECT_EQ(shown.captions, split(c.captions));
+        EXPECT_EQ(shown.disabled, split(c.disabled));
+        EXPECT_EQ(shown.checked, split(c.checked));
+        EXPECT_EQ(responder.popups[1].keys, shown.keys);
+    }
 }
 
-TEST(PopupMenu, DismissingGivesZero) {
-    ScriptedResponder responder; // no answer queued: the menu is dismissed
-    clsPopupMenu popup;
-    EXPECT_EQ(popup.PopupString(QStringLiteral("Open;2")), 0);
-    EXPECT_EQ(responder.popups.size(), 1u);
-}
-
-TEST(PopupMenu, ItemsWithoutKeysCountFromOneAtEveryPopup) {
-    ScriptedResponder responder;
-    responder.popupKeys = {QStringLiteral("3"), QStringLiteral("1")};
-    clsPopupMenu popup;
-    const QString menu = QStringLiteral("Red,Green;20,Blue,Cyan");
-    EXPECT_EQ(popup.PopupString(menu), 3);
-    // The counter starts again, so the same string gives the same keys.
-    EXPECT_EQ(popup.PopupString(menu), 1);
-    ASSERT_EQ(responder.popups.size(), 2u);
-    EXPECT_EQ(responder.popups[0].keys, list({"1", "20", "2", "3"}));
-    EXPECT_EQ(responder.popups[1].keys, responder.popups[0].keys);
-}
-
-TEST(PopupMenu, DisabledAndCheckedMarksLoseTheirFirstCharacter) {
-    ScriptedResponder responder;
-    responder.popupKeys = {QStringLiteral("5")};
-    clsPopupMenu popup;
-    // "!" anywhere disables, "#" anywhere checks; "!" wins over "#"; a "!" inside a caption
-    // costs the caption its first letter.
-    const QString menu = QStringLiteral("!Cut;4,#Bold;5,!#Both;6,Hello!;7,Size#2;8,#;9");
-    EXPECT_EQ(popup.PopupString(menu), 5);
-    const auto& shown = responder.popups.at(0);
-    EXPECT_EQ(shown.captions, list({"Cut", "Bold", "#Both", "ello!", "ize#2", ""}));
-    EXPECT_EQ(shown.disabled, list({"4", "6", "7"}));
-    EXPECT_EQ(shown.checked, list({"5", "8", "9"}));
-}
-
-TEST(PopupMenu, ChoosingADisabledItemGivesZero) {
-    ScriptedResponder responder;
-    responder.popupKeys = {QStringLiteral("4")};
-    clsPopupMenu popup;
-    EXPECT_EQ(popup.PopupString(QStringLiteral("!Cut;4,Paste;5")), 0);
-}
-
-TEST(PopupMenu, SubMenusAndSeparators) {
+TEST(PopupMenu, SubMenusAndSeparatorsKeepTheirPlaces) {
     clsPopupMenu popup;
     QMenu menu;
     popup.BuildMenu(menu, QStringLiteral("Add;11,Insert;0|Before;13|-|After;14, - ,Preview;24"));
     const QList<QAction*> top = menu.actions();
     ASSERT_EQ(top.size(), 4);
     EXPECT_EQ(top[0]->text(), QStringLiteral("Add"));
-    ASSERT_NE(top[1]->menu(), nullptr);
     EXPECT_EQ(top[1]->text(), QStringLiteral("Insert"));
+    ASSERT_NE(top[1]->menu(), nullptr);
     EXPECT_TRUE(top[2]->isSeparator());
     EXPECT_EQ(top[3]->data().toString(), QStringLiteral("24"));
     const QList<QAction*> sub = top[1]->menu()->actions();
@@ -85,30 +78,4 @@ TEST(PopupMenu, SubMenusAndSeparators) {
     EXPECT_EQ(sub[0]->data().toString(), QStringLiteral("13"));
     EXPECT_TRUE(sub[1]->isSeparator());
     EXPECT_EQ(sub[2]->text(), QStringLiteral("After"));
-
-    ScriptedResponder responder;
-    responder.popupKeys = {QStringLiteral("14")};
-    EXPECT_EQ(popup.PopupString(QStringLiteral("Add;11,Insert;0|Before;13|-|After;14")), 14);
-    EXPECT_EQ(responder.popups[0].keys, list({"11", "13", "14"}));
-}
-
-TEST(PopupMenu, SubMenuItemsTakeMarksAndCounterKeys) {
-    ScriptedResponder responder;
-    responder.popupKeys = {QStringLiteral("2")};
-    clsPopupMenu popup;
-    EXPECT_EQ(popup.PopupString(QStringLiteral("First,Sub;0|!Gone|#On|Plain")), 0);
-    const auto& shown = responder.popups.at(0);
-    EXPECT_EQ(shown.keys, list({"1", "2", "3", "4"}));
-    EXPECT_EQ(shown.captions, list({"First", "Gone", "On", "Plain"}));
-    EXPECT_EQ(shown.disabled, list({"2"}));
-    EXPECT_EQ(shown.checked, list({"3"}));
-}
-
-TEST(PopupMenu, KeysAreReadAsNumbers) {
-    ScriptedResponder responder;
-    responder.popupKeys = {QStringLiteral("12")};
-    clsPopupMenu popup;
-    // " 12abc" reads as 12, a key that is no number as 0.
-    EXPECT_EQ(popup.PopupString(QStringLiteral("A; 12abc,B;x")), 12);
-    EXPECT_EQ(responder.popups[0].keys, list({"12", "0"}));
 }
