@@ -63,19 +63,19 @@ TEST(PopupMenu, MenuStringsGiveTheirItemsAndTheChosenKey) {
 }
 
 TEST(PopupMenu, SubMenusAndSeparatorsKeepTheirPlaces) {
+    // Each action as "caption;key", "-" for a separator, "caption|" for a sub-menu.
+    const auto shape = [](const QMenu* menu) {
+        QStringList items;
+        for (const QAction* a : menu->actions())
+            items << (a->isSeparator() ? QStringLiteral("-")
+                      : a->menu()      ? a->text() + u'|'
+                                       : a->text() + u';' + a->data().toString());
+        return items.join(u',');
+    };
     clsPopupMenu popup;
     QMenu menu;
     popup.BuildMenu(menu, QStringLiteral("Add;11,Insert;0|Before;13|-|After;14, - ,Preview;24"));
-    const QList<QAction*> top = menu.actions();
-    ASSERT_EQ(top.size(), 4);
-    EXPECT_EQ(top[0]->text(), QStringLiteral("Add"));
-    EXPECT_EQ(top[1]->text(), QStringLiteral("Insert"));
-    ASSERT_NE(top[1]->menu(), nullptr);
-    EXPECT_TRUE(top[2]->isSeparator());
-    EXPECT_EQ(top[3]->data().toString(), QStringLiteral("24"));
-    const QList<QAction*> sub = top[1]->menu()->actions();
-    ASSERT_EQ(sub.size(), 3);
-    EXPECT_EQ(sub[0]->data().toString(), QStringLiteral("13"));
-    EXPECT_TRUE(sub[1]->isSeparator());
-    EXPECT_EQ(sub[2]->text(), QStringLiteral("After"));
+    EXPECT_EQ(shape(&menu), QStringLiteral("Add;11,Insert|,-,Preview;24"));
+    ASSERT_EQ(menu.actions().size(), 4);
+    EXPECT_EQ(shape(menu.actions()[1]->menu()), QStringLiteral("Before;13,-,After;14"));
 }
