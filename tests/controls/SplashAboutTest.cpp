@@ -43,7 +43,7 @@ void play(frmSplash& splash, const char* script) {
         {'x', [](frmSplash& s) { s.close(); }},
     };
     for (; *script; ++script)
-        steps.at (*script)(splash);
+        std::invoke(steps.at(*script), splash);
 }
 
 } // namespace
