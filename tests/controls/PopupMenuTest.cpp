@@ -75,7 +75,6 @@ TEST(PopupMenu, SubMenusAndSeparatorsKeepTheirPlaces) {
     clsPopupMenu popup;
     QMenu menu;
     popup.BuildMenu(menu, QStringLiteral("Add;11,Insert;0|Before;13|-|After;14, - ,Preview;24"));
-    EXPECT_EQ(shape(&menu), QStringLiteral("Add;11,Insert|,-,Preview;24"));
-    ASSERT_EQ(menu.actions().size(), 4);
+    ASSERT_EQ(shape(&menu), QStringLiteral("Add;11,Insert|,-,Preview;24"));
     EXPECT_EQ(shape(menu.actions()[1]->menu()), QStringLiteral("Before;13,-,After;14"));
 }

@@ -138,11 +138,13 @@ TEST(VerticalTab, SetBackgroundTakesTheSkinUnderItAndTheBackColourBeyond) {
     QPalette palette = form.palette();
     palette.setColor(QPalette::Window, QColor(1, 2, 3));
     form.setPalette(palette);
+    auto* tabs = new ctlVerticalTab(&form);
+    tabs->move(10, 20);
+    tabs->SetBackground(&form, tabs);
+    EXPECT_EQ(tabs->Background().toImage().pixelColor(0, 0), QColor(1, 2, 3)); // no skin yet
     QPixmap skin(40, 40);
     skin.fill(QColor(90, 80, 70));
     setFormPicture(&form, skin);
-    auto* tabs = new ctlVerticalTab(&form);
-    tabs->move(10, 20);
     tabs->SetBackground(&form, tabs);
     const QImage piece = tabs->Background().toImage();
     EXPECT_EQ(piece.pixelColor(29, 19), QColor(90, 80, 70));
