@@ -6,6 +6,7 @@
 #include "platform/modDialogs.h"
 #include "platform/modShared.h"
 #include "platform/modText.h"
+#include "document/modDocument.h"
 #include "store/clsMMSManager.h"
 
 #include <QApplication>
@@ -96,8 +97,7 @@ QString trimBlanks(const QString& text) {
 } // namespace
 
 const QString& frmMessageList::illegalCharacters() {
-    static const QString characters = QStringLiteral("!\"#¤%&/()=?'*.:,;|{[]}\\§½@£$<>+¨~^´`");
-    return characters;
+    return illegalNameCharacters();
 }
 
 frmMessageList::frmMessageList(clsMMSManager* manager, QWidget* parent)

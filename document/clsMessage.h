@@ -46,6 +46,12 @@ public:
     // Writes the folder anew: message.xml and one bitmap per slide. The new folder is built
     // beside the old one and swapped in, so a failed save leaves the previous folder as it was.
     bool SaveMessage();
+    // Saves the message under `newName` and only then takes that name. On a failure the message
+    // keeps its name and folder, and the folder under `newName` is as it was.
+    bool SaveMessageAs(const QString& newName);
+    // Why the program cannot show this message as it was read ("" when it can): the document
+    // has no ROOT element, or a number of a slide or draw object does not read as one.
+    QString readProblem() const;
     // Records that <Path><fileName> would be lost by the next save because it could not be read
     // (or belongs to a document that could not be). Saving writes the folder anew, so every
     // later save keeps the file as <fileName>.bak instead. Initialize records an unreadable
@@ -80,6 +86,12 @@ private:
     };
 
     void saveFolder();
+    // The steps of saveFolder: the folder the message goes to, checked; the new folder written
+    // beside it; the new folder put in its place.
+    QString checkedSaveTarget() const;
+    QString stageFolder(const QString& target) const;
+    void writeSlidePictures(const QString& staging) const;
+    void swapIntoPlace(const QString& staging, const QString& target) const;
     void writeBackups(const QString& staging, const QString& target) const;
 
     std::unique_ptr<clsSlides> mSlides;
