@@ -287,24 +287,27 @@ void clsMMSManager::RecoverInterruptedSaves() {
 void clsMMSManager::recoverMessage(const QString& name, const QStringList& staged,
                                    const QStringList& previous) {
     const QString target = mMessagePath + name;
+    const auto holdsDocument = [this](const QString& folder) {
+        return QFileInfo(folder + QLatin1Char('/') + mMessageFile).isFile();
+    };
     const QFileInfo targetInfo(target);
     if (!targetInfo.exists() && !targetInfo.isSymLink()) {
         // A new folder is written whole before it takes the old one's place, and it carries the
         // document from its first moment: one with the document is the newest save.
         QStringList candidates;
         for (const QString& folder : staged)
-            if (QFileInfo(folder + QLatin1Char('/') + mMessageFile).isFile())
+            if (holdsDocument(folder))
                 candidates << folder;
         candidates += previous;
         for (const QString& folder : candidates)
             if (QDir().rename(folder, target))
                 break;
     }
-    // What is left is a working copy of a message that is in its place.
-    if (!QFileInfo(target).isDir())
-        return;
+    // What is left is a working copy of a message that is in its place, or a new folder that
+    // never got as far as its document.
+    const bool inPlace = QFileInfo(target).isDir();
     for (const QString& folder : staged + previous)
-        if (QFileInfo(folder).isDir())
+        if (QFileInfo(folder).isDir() && (inPlace || !holdsDocument(folder)))
             QDir(folder).removeRecursively();
 }
 
