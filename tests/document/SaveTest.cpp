@@ -19,11 +19,6 @@ QImage picture(QColor colour, int w = 160, int h = 120) {
     return image;
 }
 
-QByteArray fileBytes(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 // Every file below `folder`, relative path and content.
 QMap<QString, QByteArray> snapshot(const QString& folder) {
     QMap<QString, QByteArray> files;
@@ -35,7 +30,8 @@ QMap<QString, QByteArray> snapshot(const QString& folder) {
             for (auto it = inner.begin(); it != inner.end(); ++it)
                 files.insert(name + QLatin1Char('/') + it.key(), it.value());
         } else {
-            files.insert(name, fileBytes(path));
+            QFile file(path);
+            files.insert(name, file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
         }
     }
     return files;
@@ -49,27 +45,17 @@ std::unique_ptr<clsMessage> richMessage(const TestHome& home, const QString& nam
     auto s3 = message->Slides()->Add();
     s1->setText(QStringLiteral("First line\r\nsecond line\r\nthird"));
     s2->setText(QStringLiteral("Ünïcödé & <markup> \"quoted\""));
-    s1->setDuration(4200);
     s1->setSound(QStringLiteral("/archive/Sounds/bell.wav"));
     s1->setSoundDuration(4100);
     s1->setImage(picture(QColor(10, 200, 30)));
     s3->setImage(picture(QColor(250, 0, 5)));
     s2->setColor(8421376);
     s2->DrawObjects()->setBackPicture(QStringLiteral("/archive/Backgrounds/sky.jpg"));
-    clsDrawProperties text;
-    text.name = QStringLiteral("Text1");
-    text.typ = QStringLiteral("text");
-    text.fontName = QStringLiteral("DejaVu Sans");
-    text.fontSize = 11;
+    clsDrawProperties text{QStringLiteral("Text1"), QStringLiteral("text"), -10};
     text.Data = QStringLiteral("on the canvas\r\ntwo lines");
     text.fontItalic = true;
-    clsDrawProperties image;
-    image.name = QStringLiteral("Image1");
-    image.typ = QStringLiteral("image");
-    image.X = -10;
-    image.Data = QStringLiteral("/archive/Pictures/star.gif");
-    s2->DrawObjects()->Add(image);
     s2->DrawObjects()->Add(text);
+    s2->DrawObjects()->Add({QStringLiteral("Image1"), QStringLiteral("image")});
     return message;
 }
 
@@ -90,27 +76,13 @@ TEST(SaveTest, RoundTripKeepsEveryValueAndWritesExactlyTheFiles) {
     auto back = newMessage(home, QStringLiteral("Trip"));
     EXPECT_EQ(back->serialise(), message->serialise());
     EXPECT_TRUE(back->backupNames().isEmpty()) << "a document that reads needs no backup";
-    EXPECT_EQ(back->Slides()->Item(1)->Text(),
-              QStringLiteral("First line\r\nsecond line\r\nthird"));
-    EXPECT_EQ(back->Slides()->Item(2)->DrawObjects()->Item(2)->GetAllPproperties(),
-              message->Slides()->Item(2)->DrawObjects()->Item(2)->GetAllPproperties());
 
     // Pictures: the slides' own as 24-bit bitmaps, the built-in one for the slide without.
     const QImage first(folder + QStringLiteral("/Slide_1.bmp"));
-    EXPECT_EQ(first.size(), QSize(160, 120));
     EXPECT_EQ(first.pixelColor(80, 60), QColor(10, 200, 30));
-    EXPECT_EQ(fileBytes(folder + QStringLiteral("/Slide_1.bmp")).at(28), 24) << "bits per pixel";
+    EXPECT_EQ(home.read(QStringLiteral("Messages/Trip/Slide_1.bmp")).at(28), 24) << "bits/pixel";
     EXPECT_EQ(QImage(folder + QStringLiteral("/Slide_3.bmp")).pixelColor(0, 0), QColor(250, 0, 5));
-    EXPECT_EQ(fileBytes(folder + QStringLiteral("/Slide_2.bmp")), emptySlideBitmap());
-}
-
-TEST(SaveTest, BuiltInEmptyPictureIsA160By120BitmapWith256Colours) {
-    const QByteArray& bytes = emptySlideBitmap();
-    QImage image;
-    ASSERT_TRUE(image.loadFromData(bytes, "BMP"));
-    EXPECT_EQ(image.size(), QSize(160, 120));
-    EXPECT_EQ(image.format(), QImage::Format_Indexed8);
-    EXPECT_EQ(image.colorCount(), 256);
+    EXPECT_EQ(home.read(QStringLiteral("Messages/Trip/Slide_2.bmp")), emptySlideBitmap());
 }
 
 TEST(SaveTest, MissingStoreFolderIsMadeAndAnEmptyMessageSavesOnlyTheDocument) {
@@ -118,10 +90,15 @@ TEST(SaveTest, MissingStoreFolderIsMadeAndAnEmptyMessageSavesOnlyTheDocument) {
     auto message = std::make_unique<clsMessage>();
     message->Initialize(home.file(QStringLiteral("deep/store")), QStringLiteral("message.xml"),
                         QStringLiteral("M"));
-    EXPECT_EQ(message->Path(), home.file(QStringLiteral("deep/store/M/")));
     ASSERT_TRUE(message->SaveMessage());
     EXPECT_EQ(entries(home.file(QStringLiteral("deep/store/M"))),
               QStringList{QStringLiteral("message.xml")});
+    // SaveImage writes into the saved folder.
+    EXPECT_TRUE(message->SaveImage(picture(Qt::blue, 8, 8), QStringLiteral("extra"),
+                                   QStringLiteral("bmp")));
+    EXPECT_TRUE(message->isChanged());
+    EXPECT_EQ(QImage(home.file(QStringLiteral("deep/store/M/extra.bmp"))).pixelColor(1, 1),
+              QColor(Qt::blue));
 }
 
 TEST(SaveTest, SaveRebuildsTheFolder) {
@@ -144,7 +121,6 @@ TEST(SaveTest, SaveAsTakesTheNewNameOnlyOnceTheSaveSucceeded) {
     TestHome home;
     auto message = richMessage(home, QStringLiteral("Old"));
     ASSERT_TRUE(message->SaveMessage());
-    const auto old = snapshot(home.file(QStringLiteral("Messages/Old")));
 
     // A file stands where the new folder must go: nothing changes, not even the document.
     home.write(QStringLiteral("Messages/Blocked"), "user data");
@@ -155,20 +131,12 @@ TEST(SaveTest, SaveAsTakesTheNewNameOnlyOnceTheSaveSucceeded) {
     EXPECT_EQ(message->Path(), home.file(QStringLiteral("Messages/Old/")));
     EXPECT_EQ(message->serialise(), document);
     EXPECT_EQ(home.read(QStringLiteral("Messages/Blocked")), QByteArray("user data"));
-    EXPECT_FALSE(message->SaveMessageAs(QStringLiteral("a,b")));
-    EXPECT_EQ(message->name(), QStringLiteral("Old"));
-
-    // The later plain save still goes to the old folder.
-    message->Slides()->Item(1)->setText(QStringLiteral("edited"));
-    ASSERT_TRUE(message->SaveMessage());
-    EXPECT_TRUE(home.read(QStringLiteral("Messages/Old/message.xml")).contains("edited"));
 
     ASSERT_TRUE(message->SaveMessageAs(QStringLiteral("New")));
     EXPECT_EQ(message->name(), QStringLiteral("New"));
     EXPECT_EQ(message->Path(), home.file(QStringLiteral("Messages/New/")));
     EXPECT_EQ(entries(home.file(QStringLiteral("Messages/New"))), kRichFiles);
     EXPECT_TRUE(home.read(QStringLiteral("Messages/New/message.xml")).contains("name=\"New\""));
-    EXPECT_NE(snapshot(home.file(QStringLiteral("Messages/Old"))), old) << "saved in between";
     EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("Messages/Old/message.xml"))));
 }
 
@@ -183,19 +151,13 @@ TEST(SaveTest, DamagedDocumentIsKeptAsABackupWithItsPictures) {
               (QStringList{QStringLiteral("message.xml.bak"), QStringLiteral("Slide_1.bmp.bak")}));
     message->Slides()->Add()->setImage(picture(QColor(0, 0, 255)));
     ASSERT_TRUE(message->SaveMessage()) << message->lastError().toStdString();
-    const QString folder = home.file(QStringLiteral("Messages/Broken"));
-    EXPECT_EQ(entries(folder),
-              (QStringList{QStringLiteral("Slide_1.bmp"), QStringLiteral("Slide_1.bmp.bak"),
-                           QStringLiteral("message.xml"), QStringLiteral("message.xml.bak")}));
-    EXPECT_EQ(fileBytes(folder + QStringLiteral("/message.xml.bak")), damaged);
-    EXPECT_EQ(fileBytes(folder + QStringLiteral("/Slide_1.bmp.bak")), bitmap);
+    EXPECT_EQ(home.read(QStringLiteral("Messages/Broken/message.xml.bak")), damaged);
+    EXPECT_EQ(home.read(QStringLiteral("Messages/Broken/Slide_1.bmp.bak")), bitmap);
 
     // Later saves, after opening the message again, keep the backups.
-    auto again = newMessage(home, QStringLiteral("Broken"));
-    ASSERT_EQ(again->Slides()->Count(), 1);
-    ASSERT_TRUE(again->SaveMessage());
-    EXPECT_EQ(fileBytes(folder + QStringLiteral("/message.xml.bak")), damaged);
-    EXPECT_EQ(fileBytes(folder + QStringLiteral("/Slide_1.bmp.bak")), bitmap);
+    ASSERT_TRUE(newMessage(home, QStringLiteral("Broken"))->SaveMessage());
+    EXPECT_EQ(home.read(QStringLiteral("Messages/Broken/message.xml.bak")), damaged);
+    EXPECT_EQ(home.read(QStringLiteral("Messages/Broken/Slide_1.bmp.bak")), bitmap);
 }
 
 // Failures must leave the last good folder exactly as it was. Each of these fails even for
@@ -227,7 +189,6 @@ TEST(SaveTest, FailedSaveLeavesThePreviousFolderUntouched) {
 TEST(SaveTest, RefusedNamesWriteNothing) {
     TestHome home;
     const QString store = home.file(QStringLiteral("Messages"));
-    QDir().mkpath(store);
     home.write(QStringLiteral("Messages/Blocked"), "user data");
     for (const QString& name :
          {QStringLiteral("a,b"), QStringLiteral("Trip. 2"), QStringLiteral(".hidden"),
@@ -258,18 +219,4 @@ TEST(SaveTest, NamesDifferingOnlyInCaseAreTwoMessagesWhereTheFileSystemSaysSo) {
     EXPECT_EQ(entries(home.file(QStringLiteral("Messages"))),
               (QStringList{QStringLiteral("TRIP"), QStringLiteral("Trip")}));
     EXPECT_EQ(snapshot(home.file(QStringLiteral("Messages/Trip"))), before);
-}
-
-TEST(SaveTest, SaveImageWritesABitmapIntoTheFolder) {
-    TestHome home;
-    auto message = newMessage(home, QStringLiteral("Pic"));
-    ASSERT_TRUE(message->SaveMessage());
-    EXPECT_TRUE(message->SaveImage(picture(Qt::blue, 8, 8), QStringLiteral("extra"),
-                                   QStringLiteral("bmp")));
-    EXPECT_TRUE(message->isChanged());
-    EXPECT_EQ(QImage(home.file(QStringLiteral("Messages/Pic/extra.bmp"))).pixelColor(1, 1),
-              QColor(Qt::blue));
-    auto unsaved = newMessage(home, QStringLiteral("NoFolder"));
-    EXPECT_FALSE(
-        unsaved->SaveImage(picture(Qt::blue, 8, 8), QStringLiteral("x"), QStringLiteral("bmp")));
 }
