@@ -90,65 +90,66 @@ void clsMessage::Initialize(const QString& rootPath, const QString& fileName,
     mDocument = std::make_shared<pugi::xml_document>();
     mSlides.reset();
     mRootElement = mHeaderElement = mMessageElement = pugi::xml_node();
-
     mBackups.clear();
+    mChanged = true; // on every path, also after loading a complete file
 
-    bool loaded = false;
+    if (!loadDocument())
+        loadTemplate();
+    bindElements(messageName);
+}
+
+bool clsMessage::loadDocument() {
     const QString file = mPath + mFileName;
-    if (!mFileName.isEmpty() && QFileInfo(file).isFile()) {
-        QFile input(file);
-        if (input.open(QIODevice::ReadOnly)) {
-            const QByteArray bytes = input.readAll();
-            const pugi::xml_parse_result result =
-                mDocument->load_buffer(bytes.constData(), static_cast<size_t>(bytes.size()),
-                                       pugi::parse_default | pugi::parse_declaration);
-            loaded = static_cast<bool>(result) && input.error() == QFileDevice::NoError;
-            if (!loaded)
-                mBackups.push_back({mFileName, bytes, input.error() == QFileDevice::NoError, file});
-        } else {
-            // There but not readable: the next save keeps it as a backup.
-            mBackups.push_back({mFileName, {}, false, file});
-        }
-        // The fresh document knows nothing of the folder's pictures; the first save would drop
-        // them or write new slides over them, so they are kept beside the document's backup.
-        if (!loaded) {
-            const QStringList files = QDir(mPath).entryList(QDir::Files | QDir::Hidden, QDir::Name);
-            for (const QString& other : files)
-                if (other != mFileName && !other.endsWith(QLatin1String(".bak")))
-                    keepUnreadable(other);
-        }
+    if (mFileName.isEmpty() || !QFileInfo(file).isFile())
+        return false;
+    QFile input(file);
+    if (input.open(QIODevice::ReadOnly)) {
+        const QByteArray bytes = input.readAll();
+        const bool whole = input.error() == QFileDevice::NoError;
+        if (whole && mDocument->load_buffer(bytes.constData(), static_cast<size_t>(bytes.size()),
+                                            pugi::parse_default | pugi::parse_declaration))
+            return true;
+        mBackups.push_back({mFileName, bytes, whole, file});
+    } else {
+        // There but not readable: the next save keeps it as a backup.
+        mBackups.push_back({mFileName, {}, false, file});
     }
-    if (!loaded) {
-        mDocument->reset();
-        mDocument->load_string(kTemplate);
-        pugi::xml_node declaration =
-            mDocument->insert_child_before(pugi::node_declaration, mDocument->first_child());
-        declaration.append_attribute("version") = "1.0";
-        declaration.append_attribute("encoding") = "utf-8";
-        mChanged = true;
-    }
+    // The fresh document knows nothing of the folder's pictures; the first save would drop them
+    // or write new slides over them, so they are kept beside the document's backup.
+    const QStringList files = QDir(mPath).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    for (const QString& other : files)
+        if (other != mFileName && !other.endsWith(QLatin1String(".bak")))
+            keepUnreadable(other);
+    return false;
+}
 
+void clsMessage::loadTemplate() {
+    mDocument->reset();
+    mDocument->load_string(kTemplate);
+    pugi::xml_node declaration =
+        mDocument->insert_child_before(pugi::node_declaration, mDocument->first_child());
+    declaration.append_attribute("version") = "1.0";
+    declaration.append_attribute("encoding") = "utf-8";
+}
+
+void clsMessage::bindElements(const QString& messageName) {
     mRootElement = mDocument->child("ROOT");
-    if (!mRootElement) {
-        mChanged = true;
+    if (!mRootElement)
         return;
-    }
     mHeaderElement = mRootElement.child("HEADER");
-
     mMessageElement = mRootElement.child("MESSAGE");
     mSlides = std::make_unique<clsSlides>();
     if (!mMessageElement) {
         mMessageElement = mRootElement.append_child("MESSAGE");
         setAttr(mMessageElement, "name", messageName, kSource);
         mSlides->Initialize(mDocument, mMessageElement);
-    } else {
-        const pugi::xml_node slidesElement = mMessageElement.child("SLIDES");
-        if (slidesElement)
-            mSlides->LoadXmlNodes(mDocument, mMessageElement, slidesElement);
-        else
-            mSlides->Initialize(mDocument, mMessageElement);
+        return;
     }
-    mChanged = true;
+    const pugi::xml_node slidesElement = mMessageElement.child("SLIDES");
+    if (slidesElement)
+        mSlides->LoadXmlNodes(mDocument, mMessageElement, slidesElement);
+    else
+        mSlides->Initialize(mDocument, mMessageElement);
 }
 
 QString clsMessage::name() const {

@@ -70,8 +70,6 @@ public:
     QString lastError() const { return mLastError; }
     // The message's document, as it would be saved.
     const pugi::xml_document& document() const { return *mDocument; }
-    QString fileName() const { return mFileName; }
-    QString rootPath() const { return mRootPath; }
 
     // The text of message.xml for the current document.
     std::string serialise() const;
@@ -84,6 +82,12 @@ private:
         bool haveBytes = false;
         QString source; // where it is on disk otherwise
     };
+
+    // The steps of Initialize: the file read when it parses (else its backups noted), the
+    // template of a new document, the elements and slides found or made.
+    bool loadDocument();
+    void loadTemplate();
+    void bindElements(const QString& messageName);
 
     void saveFolder();
     // The steps of saveFolder: the folder the message goes to, checked; the new folder written
