@@ -3,10 +3,10 @@
 
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
+#include "document/modDocument.h"
 #include "platform/modDialogs.h"
 #include "platform/modShared.h"
 #include "platform/modText.h"
-#include "document/modDocument.h"
 #include "store/clsMMSManager.h"
 
 #include <QApplication>

@@ -71,7 +71,6 @@ signals:
     void ProsessingSlide(std::int16_t slide, std::int16_t total);
 
 private:
-    void deleteFolder(const QString& folder, const QString& name);
     void recoverMessage(const QString& name, const QStringList& staged,
                         const QStringList& previous);
 
