@@ -6,6 +6,7 @@
 #include "config/clsPropertiesXML.h"
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
+#include "controls/BoxStatusSink.h"
 #include "controls/frmAbout.h"
 #include "controls/frmSplash.h"
 #include "controls/modGlyphs.h"
@@ -191,6 +192,8 @@ void frmMain::Form_Activate() {
 
 void frmMain::InitMessageManager() {
     mMMSManager = std::make_unique<clsMMSManager>();
+    static BoxStatusSink boxes; // holds nothing: one serves every manager
+    mMMSManager->setStatusSink(&boxes);
     const QString messages =
         gProperties()
             ? gProperties()->GetProp(QStringLiteral("paths"), QStringLiteral("messages"), QString())
@@ -202,6 +205,7 @@ void frmMain::InitMessageManager() {
     // Without both keys the manager stays without a store: its operations then fail.
     if (!messages.isEmpty() && !file.isEmpty())
         mMMSManager->Initialize(joinPath(appFolder(), messages), file);
+    mMMSManager->RecoverInterruptedSaves();
 }
 
 void frmMain::InitSkin() {

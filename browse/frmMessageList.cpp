@@ -3,6 +3,7 @@
 
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
+#include "document/modDocument.h"
 #include "platform/modDialogs.h"
 #include "platform/modShared.h"
 #include "platform/modText.h"
@@ -96,8 +97,7 @@ QString trimBlanks(const QString& text) {
 } // namespace
 
 const QString& frmMessageList::illegalCharacters() {
-    static const QString characters = QStringLiteral("!\"#¤%&/()=?'*.:,;|{[]}\\§½@£$<>+¨~^´`");
-    return characters;
+    return illegalNameCharacters();
 }
 
 frmMessageList::frmMessageList(clsMMSManager* manager, QWidget* parent)

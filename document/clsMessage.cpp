@@ -1,17 +1,13 @@
 #include "document/clsMessage.h"
 
 #include "platform/Failure.h"
+#include "platform/FolderSwap.h"
 #include "platform/modShared.h"
 
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRandomGenerator>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <fcntl.h>
 #include <sstream>
 #include <unistd.h>
 
@@ -65,28 +61,20 @@ QByteArray bitmapBytes(const QImage& picture) {
     return bytes;
 }
 
-// A hidden working folder beside the messages. It carries the message's name so that a folder
-// left over by a crash shows whose it is.
-QString uniqueSibling(const QString& root, const QString& purpose, const QString& name) {
-    const QString shown = name.left(80);
-    for (;;) {
-        const QString candidate =
-            root + QStringLiteral(".tessaly-%1-%2-%3")
-                       .arg(purpose, shown)
-                       .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0'));
-        if (!QFileInfo::exists(candidate) && !QFileInfo(candidate).isSymLink())
-            return candidate;
-    }
-}
-
 QByteArray encoded(const QString& path) {
     return QFile::encodeName(path);
 }
 
-// Trades the names of two folders in one step; false with errno set when that cannot be done.
-bool exchange(const QString& first, const QString& second) {
-    return ::renameat2(AT_FDCWD, encoded(first).constData(), AT_FDCWD, encoded(second).constData(),
-                       RENAME_EXCHANGE) == 0;
+// Whether another entry of `root` is the folder `target` under another name, as on a file system
+// that ignores case ("Trip" and "TRIP") or folds other differences of spelling.
+QString otherNameOfFolder(const QString& root, const QString& name) {
+    const QString target = root + name;
+    const QStringList entries =
+        QDir(root).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
+    for (const QString& entry : entries)
+        if (entry != name && sameFileSystemEntry(target, root + entry))
+            return entry;
+    return {};
 }
 } // namespace
 
@@ -102,65 +90,66 @@ void clsMessage::Initialize(const QString& rootPath, const QString& fileName,
     mDocument = std::make_shared<pugi::xml_document>();
     mSlides.reset();
     mRootElement = mHeaderElement = mMessageElement = pugi::xml_node();
-
     mBackups.clear();
+    mChanged = true; // on every path, also after loading a complete file
 
-    bool loaded = false;
+    if (!loadDocument())
+        loadTemplate();
+    bindElements(messageName);
+}
+
+bool clsMessage::loadDocument() {
     const QString file = mPath + mFileName;
-    if (!mFileName.isEmpty() && QFileInfo(file).isFile()) {
-        QFile input(file);
-        if (input.open(QIODevice::ReadOnly)) {
-            const QByteArray bytes = input.readAll();
-            const pugi::xml_parse_result result =
-                mDocument->load_buffer(bytes.constData(), static_cast<size_t>(bytes.size()),
-                                       pugi::parse_default | pugi::parse_declaration);
-            loaded = static_cast<bool>(result) && input.error() == QFileDevice::NoError;
-            if (!loaded)
-                mBackups.push_back({mFileName, bytes, input.error() == QFileDevice::NoError, file});
-        } else {
-            // There but not readable: the next save keeps it as a backup.
-            mBackups.push_back({mFileName, {}, false, file});
-        }
-        // The fresh document knows nothing of the folder's pictures; the first save would drop
-        // them or write new slides over them, so they are kept beside the document's backup.
-        if (!loaded) {
-            const QStringList files = QDir(mPath).entryList(QDir::Files | QDir::Hidden, QDir::Name);
-            for (const QString& other : files)
-                if (other != mFileName && !other.endsWith(QLatin1String(".bak")))
-                    keepUnreadable(other);
-        }
+    if (mFileName.isEmpty() || !QFileInfo(file).isFile())
+        return false;
+    QFile input(file);
+    if (input.open(QIODevice::ReadOnly)) {
+        const QByteArray bytes = input.readAll();
+        const bool whole = input.error() == QFileDevice::NoError;
+        if (whole && mDocument->load_buffer(bytes.constData(), static_cast<size_t>(bytes.size()),
+                                            pugi::parse_default | pugi::parse_declaration))
+            return true;
+        mBackups.push_back({mFileName, bytes, whole, file});
+    } else {
+        // There but not readable: the next save keeps it as a backup.
+        mBackups.push_back({mFileName, {}, false, file});
     }
-    if (!loaded) {
-        mDocument->reset();
-        mDocument->load_string(kTemplate);
-        pugi::xml_node declaration =
-            mDocument->insert_child_before(pugi::node_declaration, mDocument->first_child());
-        declaration.append_attribute("version") = "1.0";
-        declaration.append_attribute("encoding") = "utf-8";
-        mChanged = true;
-    }
+    // The fresh document knows nothing of the folder's pictures; the first save would drop them
+    // or write new slides over them, so they are kept beside the document's backup.
+    const QStringList files = QDir(mPath).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    for (const QString& other : files)
+        if (other != mFileName && !other.endsWith(QLatin1String(".bak")))
+            keepUnreadable(other);
+    return false;
+}
 
+void clsMessage::loadTemplate() {
+    mDocument->reset();
+    mDocument->load_string(kTemplate);
+    pugi::xml_node declaration =
+        mDocument->insert_child_before(pugi::node_declaration, mDocument->first_child());
+    declaration.append_attribute("version") = "1.0";
+    declaration.append_attribute("encoding") = "utf-8";
+}
+
+void clsMessage::bindElements(const QString& messageName) {
     mRootElement = mDocument->child("ROOT");
-    if (!mRootElement) {
-        mChanged = true;
+    if (!mRootElement)
         return;
-    }
     mHeaderElement = mRootElement.child("HEADER");
-
     mMessageElement = mRootElement.child("MESSAGE");
     mSlides = std::make_unique<clsSlides>();
     if (!mMessageElement) {
         mMessageElement = mRootElement.append_child("MESSAGE");
         setAttr(mMessageElement, "name", messageName, kSource);
         mSlides->Initialize(mDocument, mMessageElement);
-    } else {
-        const pugi::xml_node slidesElement = mMessageElement.child("SLIDES");
-        if (slidesElement)
-            mSlides->LoadXmlNodes(mDocument, mMessageElement, slidesElement);
-        else
-            mSlides->Initialize(mDocument, mMessageElement);
+        return;
     }
-    mChanged = true;
+    const pugi::xml_node slidesElement = mMessageElement.child("SLIDES");
+    if (slidesElement)
+        mSlides->LoadXmlNodes(mDocument, mMessageElement, slidesElement);
+    else
+        mSlides->Initialize(mDocument, mMessageElement);
 }
 
 QString clsMessage::name() const {
@@ -254,23 +243,67 @@ bool clsMessage::SaveMessage() {
     }
 }
 
+bool clsMessage::SaveMessageAs(const QString& newName) {
+    if (newName == mName && newName == name())
+        return SaveMessage();
+    if (!mMessageElement) {
+        mLastError = QStringLiteral("The document has no message to name");
+        return false;
+    }
+    // The name as it is, to be put back when the save under the new one fails.
+    const pugi::xml_attribute attribute = mMessageElement.attribute("name");
+    const bool hadAttribute = static_cast<bool>(attribute);
+    const std::string oldAttribute = hadAttribute ? attribute.value() : std::string();
+    const QString oldName = mName;
+    const bool wasChanged = mChanged;
+
+    setName(newName);
+    if (SaveMessage())
+        return true;
+    if (hadAttribute)
+        mMessageElement.attribute("name").set_value(oldAttribute.c_str());
+    else
+        mMessageElement.remove_attribute("name");
+    mName = oldName;
+    mPath = mRootPath + mName + QLatin1Char('/');
+    mChanged = wasChanged;
+    return false;
+}
+
+QString clsMessage::readProblem() const {
+    if (!mSlides)
+        return QStringLiteral("The document has no ROOT element");
+    try {
+        for (const auto& slide : *mSlides) {
+            // Every number the program reads of a slide when it shows it.
+            (void)slide->Index();
+            (void)slide->Duration();
+            (void)slide->SoundDuration();
+            (void)slide->Color();
+            const clsDrawObjects* objects = slide->DrawObjects();
+            for (int index = 1; objects && index <= objects->Count(); ++index)
+                (void)objects->Item(index)->GetAllPproperties();
+        }
+    } catch (const Failure& failure) {
+        return failure.description();
+    }
+    return {};
+}
+
 void clsMessage::saveFolder() {
+    const QString target = checkedSaveTarget();
+    const QString staging = stageFolder(target);
+    swapIntoPlace(staging, target);
+}
+
+QString clsMessage::checkedSaveTarget() const {
     if (mRootPath.isEmpty())
         fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
     const QString problem = messageNameProblem(mName);
     if (!problem.isEmpty())
         fail(kPathFileAccessError, problem);
-    QDir root(mRootPath);
-    if (!root.exists() && !QDir().mkpath(mRootPath))
+    if (!QDir(mRootPath).exists() && !QDir().mkpath(mRootPath))
         fail(FailureNumber::PathNotFound, QStringLiteral("Path not found: %1").arg(mRootPath));
-
-    // A folder whose name differs only by case is the same folder on the file systems the
-    // messages were made for: the save cannot go there.
-    const QStringList folders = root.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden);
-    for (const QString& folder : folders)
-        if (folder != mName && folder.compare(mName, Qt::CaseInsensitive) == 0)
-            fail(kFileAlreadyExists,
-                 QStringLiteral("The folder \"%1\" already exists").arg(folder));
 
     const QString target = mRootPath + mName;
     const QFileInfo targetInfo(target);
@@ -278,63 +311,71 @@ void clsMessage::saveFolder() {
         (!targetInfo.isDir() || targetInfo.isSymLink()))
         fail(kFileAlreadyExists,
              QStringLiteral("\"%1\" is in the way of the message folder").arg(target));
+    // Where the file system takes this name for another message's folder, saving would write
+    // over that message.
+    const QString other = otherNameOfFolder(mRootPath, mName);
+    if (!other.isEmpty())
+        fail(kFileAlreadyExists, QStringLiteral("The folder \"%1\" already exists").arg(other));
+    return target;
+}
 
-    // Build the new folder beside the old one.
-    const QString staging = uniqueSibling(mRootPath, QStringLiteral("save"), mName);
+QString clsMessage::stageFolder(const QString& target) const {
+    const QString staging = newSaveWorkingFolder(mRootPath, SaveWorkingFolder::Staged, mName);
     if (!QDir().mkdir(staging))
         fail(kPathFileAccessError, QStringLiteral("Cannot make a folder in %1").arg(mRootPath));
     try {
         const std::string xml = serialise();
         writeWhole(staging + QLatin1Char('/') + mFileName,
                    QByteArray(xml.data(), static_cast<qsizetype>(xml.size())));
-        if (mSlides) {
-            const QByteArray& empty = emptySlideBitmap();
-            if (empty.isEmpty())
-                fail(FailureNumber::FileNotFound,
-                     QStringLiteral("The built-in empty slide picture is missing"));
-            for (const auto& slide : *mSlides) {
-                const QString file = slide->ImageFile();
-                if (file.contains(QLatin1Char('/')) || file.contains(QLatin1Char('\\')))
-                    fail(kPathFileAccessError,
-                         QStringLiteral("\"%1\" cannot name a slide picture").arg(file));
-                writeWhole(staging + QLatin1Char('/') + file,
-                           slide->Image().isNull() ? empty : bitmapBytes(slide->Image()));
-            }
-        }
+        writeSlidePictures(staging);
         writeBackups(staging, target);
-    } catch (...) {
+    } catch (const Failure&) {
         QDir(staging).removeRecursively();
         throw;
     }
+    return staging;
+}
 
-    // Swap it in. Where the file system can trade two names in one step the message is always
-    // under its own name; elsewhere the old folder steps aside for a moment first.
-    if (targetInfo.exists()) {
-        if (exchange(staging, target)) {
-            QDir(staging).removeRecursively(); // now the old folder
-        } else if (errno != EINVAL && errno != ENOSYS) {
-            const QString reason = QString::fromLocal8Bit(std::strerror(errno));
-            QDir(staging).removeRecursively();
+void clsMessage::writeSlidePictures(const QString& staging) const {
+    if (!mSlides)
+        return;
+    const QByteArray& empty = emptySlideBitmap();
+    if (empty.isEmpty())
+        fail(FailureNumber::FileNotFound,
+             QStringLiteral("The built-in empty slide picture is missing"));
+    for (const auto& slide : *mSlides) {
+        const QString file = slide->ImageFile();
+        if (file.contains(QLatin1Char('/')) || file.contains(QLatin1Char('\\')))
             fail(kPathFileAccessError,
-                 QStringLiteral("Cannot replace the folder %1: %2").arg(target, reason));
-        } else {
-            const QString previous = uniqueSibling(mRootPath, QStringLiteral("old"), mName);
-            if (!QDir().rename(target, previous)) {
-                QDir(staging).removeRecursively();
-                fail(kPathFileAccessError,
-                     QStringLiteral("Cannot replace the folder %1").arg(target));
-            }
-            if (!QDir().rename(staging, target)) {
-                QDir().rename(previous, target);
-                QDir(staging).removeRecursively();
-                fail(kPathFileAccessError, QStringLiteral("Cannot make the folder %1").arg(target));
-            }
-            QDir(previous).removeRecursively();
-        }
-    } else if (!QDir().rename(staging, target)) {
-        QDir(staging).removeRecursively();
-        fail(kPathFileAccessError, QStringLiteral("Cannot make the folder %1").arg(target));
+                 QStringLiteral("\"%1\" cannot name a slide picture").arg(file));
+        writeWhole(staging + QLatin1Char('/') + file,
+                   slide->Image().isNull() ? empty : bitmapBytes(slide->Image()));
     }
+}
+
+void clsMessage::swapIntoPlace(const QString& staging, const QString& target) const {
+    const QFileInfo targetInfo(target);
+    if (!targetInfo.exists()) {
+        if (!QDir().rename(staging, target)) {
+            QDir(staging).removeRecursively();
+            fail(kPathFileAccessError, QStringLiteral("Cannot make the folder %1").arg(target));
+        }
+        return;
+    }
+    const QString aside = newSaveWorkingFolder(mRootPath, SaveWorkingFolder::Previous, mName);
+    QString reason;
+    if (!swapFolders(staging, target, aside, &reason)) {
+        // Whatever is left beside the message is not the message: the message is in its place.
+        if (QFileInfo(target).isDir()) {
+            QDir(staging).removeRecursively();
+            QDir(aside).removeRecursively();
+        }
+        fail(kPathFileAccessError,
+             QStringLiteral("Cannot replace the folder %1: %2").arg(target, reason));
+    }
+    // The previous folder, wherever the trade left it.
+    QDir(staging).removeRecursively();
+    QDir(aside).removeRecursively();
 }
 
 void clsMessage::writeBackups(const QString& staging, const QString& target) const {

@@ -46,6 +46,12 @@ public:
     // Writes the folder anew: message.xml and one bitmap per slide. The new folder is built
     // beside the old one and swapped in, so a failed save leaves the previous folder as it was.
     bool SaveMessage();
+    // Saves the message under `newName` and only then takes that name. On a failure the message
+    // keeps its name and folder, and the folder under `newName` is as it was.
+    bool SaveMessageAs(const QString& newName);
+    // Why the program cannot show this message as it was read ("" when it can): the document
+    // has no ROOT element, or a number of a slide or draw object does not read as one.
+    QString readProblem() const;
     // Records that <Path><fileName> would be lost by the next save because it could not be read
     // (or belongs to a document that could not be). Saving writes the folder anew, so every
     // later save keeps the file as <fileName>.bak instead. Initialize records an unreadable
@@ -64,8 +70,6 @@ public:
     QString lastError() const { return mLastError; }
     // The message's document, as it would be saved.
     const pugi::xml_document& document() const { return *mDocument; }
-    QString fileName() const { return mFileName; }
-    QString rootPath() const { return mRootPath; }
 
     // The text of message.xml for the current document.
     std::string serialise() const;
@@ -79,7 +83,19 @@ private:
         QString source; // where it is on disk otherwise
     };
 
+    // The steps of Initialize: the file read when it parses (else its backups noted), the
+    // template of a new document, the elements and slides found or made.
+    bool loadDocument();
+    void loadTemplate();
+    void bindElements(const QString& messageName);
+
     void saveFolder();
+    // The steps of saveFolder: the folder the message goes to, checked; the new folder written
+    // beside it; the new folder put in its place.
+    QString checkedSaveTarget() const;
+    QString stageFolder(const QString& target) const;
+    void writeSlidePictures(const QString& staging) const;
+    void swapIntoPlace(const QString& staging, const QString& target) const;
     void writeBackups(const QString& staging, const QString& target) const;
 
     std::unique_ptr<clsSlides> mSlides;

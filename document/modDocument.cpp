@@ -1,10 +1,10 @@
 #include "document/modDocument.h"
 
-#include "config/clsPropertiesXML.h"
-#include "config/modConfig.h"
 #include "platform/Failure.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -69,18 +69,59 @@ QString boolText(bool value) {
     return value ? QStringLiteral("True") : QStringLiteral("False");
 }
 
+const QString& illegalNameCharacters() {
+    static const QString characters = QStringLiteral("!\"#¤%&/()=?'*.:,;|{[]}\\§½@£$<>+¨~^´`");
+    return characters;
+}
+
 QString messageNameProblem(const QString& name) {
     if (name.isEmpty())
         return QStringLiteral("A message needs a name");
-    if (name.startsWith(QLatin1Char('.')))
-        return QStringLiteral("\"%1\" cannot name a message: it may not begin with \".\"")
-            .arg(name);
-    if (name.contains(QLatin1Char('/')) || name.contains(QLatin1Char('\\')))
-        return QStringLiteral("\"%1\" cannot name a message: it may not hold \"/\" or \"\\\"")
-            .arg(name);
-    if (name.contains(QChar(0)))
-        return QStringLiteral("A message name may not hold a null character");
+    for (const QChar c : name) {
+        if (illegalNameCharacters().contains(c))
+            return QStringLiteral("\"%1\" cannot name a message: it may not hold \"%2\"")
+                .arg(name, QString(c));
+        if (c.category() == QChar::Other_Control)
+            return QStringLiteral("A message name may not hold a control character");
+    }
     return {};
+}
+
+namespace {
+const QString kStagedPrefix = QStringLiteral(".tessaly-save-");
+const QString kPreviousPrefix = QStringLiteral(".tessaly-old-");
+} // namespace
+
+QString newSaveWorkingFolder(const QString& root, SaveWorkingFolder::Kind kind,
+                             const QString& messageName) {
+    const QString prefix = kind == SaveWorkingFolder::Staged ? kStagedPrefix : kPreviousPrefix;
+    for (;;) {
+        const QString candidate = root + prefix + messageName + QLatin1Char('-') +
+                                  QStringLiteral("%1").arg(QRandomGenerator::global()->generate(),
+                                                           8, 16, QLatin1Char('0'));
+        const QFileInfo info(candidate);
+        if (!info.exists() && !info.isSymLink())
+            return candidate;
+    }
+}
+
+std::optional<SaveWorkingFolder> parseSaveWorkingFolder(const QString& folderName) {
+    SaveWorkingFolder folder;
+    QString rest;
+    if (folderName.startsWith(kStagedPrefix)) {
+        folder.kind = SaveWorkingFolder::Staged;
+        rest = folderName.mid(kStagedPrefix.size());
+    } else if (folderName.startsWith(kPreviousPrefix)) {
+        folder.kind = SaveWorkingFolder::Previous;
+        rest = folderName.mid(kPreviousPrefix.size());
+    } else {
+        return std::nullopt;
+    }
+    const qsizetype dash = rest.lastIndexOf(QLatin1Char('-'));
+    if (dash <= 0 || rest.size() - dash - 1 != 8)
+        return std::nullopt;
+    folder.messageName = rest.left(dash);
+    return folder;
 }
 
 const QByteArray& emptySlideBitmap() {

@@ -4,6 +4,7 @@
 #include <QString>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <pugixml.hpp>
 
 // Helpers shared by the message document classes. The XML document is the only store of a
@@ -38,10 +39,29 @@ QString boolText(bool value);
 // bitmap with 256 colours.
 const QByteArray& emptySlideBitmap();
 
-// Why `name` cannot name a message folder in the store, or "" when it can. The store's own
-// working folders begin with "." and are never listed, so a message name may not; nor may it
-// hold a path separator ("/" here, "\\" where the messages were made) or be empty.
+// The characters a message name may not hold. The message list refuses them as they are typed;
+// "," among them keeps a comma-joined list of names unambiguous, "/" and "\\" keep a name inside
+// the store, and "." keeps the store's own hidden working folders apart from messages.
+const QString& illegalNameCharacters();
+
+// Why `name` cannot name a message folder in the store, or "" when it can: it is empty, holds
+// one of illegalNameCharacters(), a null or another control character.
 QString messageNameProblem(const QString& name);
+
+// The hidden working folders a save makes in the store: the new folder being written (Staged)
+// and, where the file system cannot trade two names in one step, the previous folder stepped
+// aside (Previous). They carry the message's name, so that a folder left over by a crash shows
+// whose it is and can be put back.
+struct SaveWorkingFolder {
+    enum Kind { Staged, Previous };
+    Kind kind = Staged;
+    QString messageName;
+};
+// A free name for a working folder of `messageName` in `root` (with its closing "/").
+QString newSaveWorkingFolder(const QString& root, SaveWorkingFolder::Kind kind,
+                             const QString& messageName);
+// What the store entry `folderName` is, when it is a save's working folder.
+std::optional<SaveWorkingFolder> parseSaveWorkingFolder(const QString& folderName);
 
 // The node of `newRoot`'s tree that stands where `node` stands in `oldRoot`'s tree, found by the
 // position of each ancestor among its siblings; null when `node` is not inside `oldRoot`.

@@ -39,7 +39,23 @@ bool removeForGood(const QFileInfo& info) {
     return QFile::remove(info.absoluteFilePath());
 }
 
+bool makeTrashFolders(const QString& trash) {
+    return QDir().mkpath(trash + QStringLiteral("/files")) &&
+           QDir().mkpath(trash + QStringLiteral("/info"));
+}
+
 } // namespace
+
+bool trashAvailable() {
+    return makeTrashFolders(homeTrash());
+}
+
+bool deleteForGood(const QString& path) {
+    const QFileInfo info(path);
+    if (!info.exists() && !info.isSymLink())
+        return false;
+    return removeForGood(info);
+}
 
 bool moveToTrash(const QString& path) {
     const QFileInfo info(path);
@@ -49,8 +65,8 @@ bool moveToTrash(const QString& path) {
     const QString trash = homeTrash();
     const QString files = trash + QStringLiteral("/files");
     const QString infoDir = trash + QStringLiteral("/info");
-    if (!QDir().mkpath(files) || !QDir().mkpath(infoDir))
-        return removeForGood(info);
+    if (!makeTrashFolders(trash))
+        return false;
 
     // A free name in the trash, with its .trashinfo made first so that no other move takes it.
     const QString base = info.fileName();
@@ -62,7 +78,7 @@ bool moveToTrash(const QString& path) {
             record.open(QIODevice::WriteOnly | QIODevice::NewOnly))
             break;
         if (n > 10000)
-            return removeForGood(info);
+            return false;
         name = base + QLatin1Char('.') + QString::number(n + 1);
     }
     record.write("[Trash Info]\nPath=");

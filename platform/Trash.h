@@ -2,7 +2,15 @@
 
 #include <QString>
 
-// Moves a file or folder to the user's trash ($XDG_DATA_HOME/Trash, with the .trashinfo record
-// that file managers read to restore it). Where no trash can be made the item is deleted for
-// good. Returns whether the item is gone from its place.
+// Whether the user's trash ($XDG_DATA_HOME/Trash) can be used: its folders exist or can be made.
+// It takes items from every file system (those of another are copied in). Where it cannot be
+// used, a caller that still wants an item gone asks before it calls deleteForGood.
+bool trashAvailable();
+
+// Moves a file or folder to the user's trash, with the .trashinfo record that file managers read
+// to restore it. Never deletes for good: false when the item is still in its place, because it
+// does not exist, no trash can take it, or the move failed.
 bool moveToTrash(const QString& path);
+
+// Removes a file or folder (with everything below it) for good; whether it is gone.
+bool deleteForGood(const QString& path);

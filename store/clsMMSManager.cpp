@@ -5,6 +5,8 @@
 #include "document/modDocument.h"
 #include "imaging/modPictureSave.h"
 #include "platform/Failure.h"
+#include "platform/FolderSwap.h"
+#include "platform/StatusSink.h"
 #include "platform/Trash.h"
 #include "platform/modDialogs.h"
 #include "platform/modShared.h"
@@ -16,6 +18,7 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QLocale>
+#include <QMap>
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <cstdio>
@@ -65,7 +68,7 @@ void copyOver(const QString& from, const QString& to) {
 }
 } // namespace
 
-clsMMSManager::clsMMSManager(QObject* parent) : QObject(parent) {}
+clsMMSManager::clsMMSManager(QObject* parent) : QObject(parent), mSink(&quietSink()) {}
 clsMMSManager::~clsMMSManager() = default;
 
 void clsMMSManager::Initialize(const QString& messagePath, const QString& messageFile) {
@@ -79,6 +82,10 @@ void clsMMSManager::Initialize(const QString& messagePath, const QString& messag
     // A fresh installation has no store folder yet; make it so that listing finds an empty store.
     if (!mMessagePath.isEmpty())
         QDir().mkpath(mMessagePath);
+}
+
+void clsMMSManager::setStatusSink(StatusSink* sink) {
+    mSink = sink ? sink : &quietSink();
 }
 
 void clsMMSManager::SetTemplateFileType(std::int32_t kind) {
@@ -125,9 +132,9 @@ std::int16_t clsMMSManager::ListMessages(QStringList& names) {
             ++count;
         }
     } catch (const Failure& failure) {
-        MsgBox(failure.description() + QStringLiteral("\r\nError code: ") +
-                   QString::number(failure.number()),
-               Vb::Critical, QStringLiteral("ListMessages"));
+        mSink->ask(failure.description() + QStringLiteral("\r\nError code: ") +
+                       QString::number(failure.number()),
+                   Vb::Critical, QStringLiteral("ListMessages"));
     }
     if (count > 0)
         names = found;
@@ -135,6 +142,8 @@ std::int16_t clsMMSManager::ListMessages(QStringList& names) {
 }
 
 std::shared_ptr<clsMessage> clsMMSManager::CreateMsg(const QString& name) {
+    if (!messageNameProblem(name).isEmpty())
+        return nullptr;
     auto message = std::make_shared<clsMessage>();
     message->Initialize(mMessagePath, mMessageFile, name);
     message->setDefaultDuration(
@@ -147,6 +156,8 @@ std::shared_ptr<clsMessage> clsMMSManager::CreateMsg(const QString& name) {
 std::shared_ptr<clsMessage> clsMMSManager::OpenMsg(const QString& name) {
     auto message = std::make_shared<clsMessage>();
     message->Initialize(mMessagePath, mMessageFile, name);
+    if (!message->readProblem().isEmpty())
+        return nullptr;
     try {
         message->setDefaultDuration(
             toLong(preference(QStringLiteral("preferences"), QStringLiteral("SlideDuration"),
@@ -175,6 +186,10 @@ bool clsMMSManager::SaveMsg(clsMessage& message) {
     return message.SaveMessage();
 }
 
+bool clsMMSManager::SaveMsgAs(clsMessage& message, const QString& newName) {
+    return message.SaveMessageAs(newName);
+}
+
 bool clsMMSManager::RenameMsg(clsMessage& message, const QString& newName) {
     try {
         const QString target = messageFolder(newName);
@@ -183,19 +198,17 @@ bool clsMMSManager::RenameMsg(clsMessage& message, const QString& newName) {
             from.chop(1);
         if (!QFileInfo(from).isDir())
             fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
-        if (QFileInfo::exists(target) || QFileInfo(target).isSymLink())
+        // A name that the file system takes for the message's own folder ("trip" for "Trip"
+        // where case is ignored) only changes its spelling; any other existing entry is taken.
+        const bool taken = QFileInfo::exists(target) || QFileInfo(target).isSymLink();
+        if (taken && !sameFileSystemEntry(from, target))
             fail(kFileAlreadyExists, QStringLiteral("File already exists"));
         // A document without its MESSAGE element has no name to change: the folder stays.
         if (!message.hasMessageElement())
             raiseObjectNotSet(QString::fromUtf8(kSource));
         if (!QDir().rename(from, target))
             fail(kPathFileAccessError, QStringLiteral("Path/File access error"));
-        try {
-            message.setName(newName);
-        } catch (const Failure&) {
-            QDir().rename(target, from);
-            throw;
-        }
+        message.setName(newName);
         return true;
     } catch (const Failure&) {
         return false;
@@ -223,19 +236,79 @@ bool clsMMSManager::CopyMsg(const QString& fromName, const QString& toName) {
 }
 
 bool clsMMSManager::DeleteMsg(const QString& name, bool askUser) {
-    Q_UNUSED(askUser) // the desktop's trash never asks
+    Q_UNUSED(askUser) // the desktop's trash never asks; deleting for good always does
     try {
         const QString folder = messageFolder(name);
         if (!QFileInfo(folder).isDir())
             fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
-        return moveToTrash(folder);
+        if (trashAvailable()) {
+            if (!moveToTrash(folder))
+                fail(kPathFileAccessError,
+                     QStringLiteral("Cannot move %1 to the trash").arg(folder));
+            return true;
+        }
+        if (mSink->ask(localText(QStringLiteral("STR_DELETE_FOR_GOOD")) +
+                           QStringLiteral("\r\n\r\n") + name,
+                       Vb::YesNo | Vb::Question | Vb::DefaultButton2,
+                       localText(QStringLiteral("STR_DELETE_MSG"))) != Vb::Yes)
+            return false;
+        if (!deleteForGood(folder))
+            fail(kPathFileAccessError, QStringLiteral("Cannot delete %1").arg(folder));
+        return true;
     } catch (const Failure& failure) {
         if (name != gUntitledName)
-            MsgBox(localText(QStringLiteral("STR_ERROR_DEL_MSG")) + QStringLiteral("\r\n") +
-                       failure.description(),
-                   Vb::Critical, localText(QStringLiteral("STR_ERROR")));
+            mSink->ask(localText(QStringLiteral("STR_ERROR_DEL_MSG")) + QStringLiteral("\r\n") +
+                           failure.description(),
+                       Vb::Critical, localText(QStringLiteral("STR_ERROR")));
         return false;
     }
+}
+
+void clsMMSManager::RecoverInterruptedSaves() {
+    if (!mFileSystem || mMessagePath.isEmpty())
+        return;
+    QMap<QString, QStringList> staged;
+    QMap<QString, QStringList> previous;
+    const QStringList entries =
+        QDir(mMessagePath).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+    for (const QString& entry : entries) {
+        const auto working = parseSaveWorkingFolder(entry);
+        if (!working || !messageNameProblem(working->messageName).isEmpty())
+            continue;
+        auto& list = working->kind == SaveWorkingFolder::Staged ? staged : previous;
+        list[working->messageName] << mMessagePath + entry;
+    }
+    QStringList names = staged.keys() + previous.keys();
+    names.removeDuplicates();
+    for (const QString& name : names)
+        recoverMessage(name, staged.value(name), previous.value(name));
+}
+
+void clsMMSManager::recoverMessage(const QString& name, const QStringList& staged,
+                                   const QStringList& previous) {
+    const QString target = mMessagePath + name;
+    const auto holdsDocument = [this](const QString& folder) {
+        return QFileInfo(folder + QLatin1Char('/') + mMessageFile).isFile();
+    };
+    const QFileInfo targetInfo(target);
+    if (!targetInfo.exists() && !targetInfo.isSymLink()) {
+        // A new folder is written whole before it takes the old one's place, and it carries the
+        // document from its first moment: one with the document is the newest save.
+        QStringList candidates;
+        for (const QString& folder : staged)
+            if (holdsDocument(folder))
+                candidates << folder;
+        candidates += previous;
+        for (const QString& folder : candidates)
+            if (QDir().rename(folder, target))
+                break;
+    }
+    // What is left is a working copy of a message that is in its place, or a new folder that
+    // never got as far as its document.
+    const bool inPlace = QFileInfo(target).isDir();
+    for (const QString& folder : staged + previous)
+        if (QFileInfo(folder).isDir() && (inPlace || !holdsDocument(folder)))
+            QDir(folder).removeRecursively();
 }
 
 bool clsMMSManager::SavePictureBoxImage(const QString& filePath, const QImage& picture,

@@ -7,21 +7,19 @@
 #include <QString>
 #include <memory>
 
-// Writes `xml` as <home>/Messages/<name>/message.xml and opens it as a message.
-inline std::unique_ptr<clsMessage> messageFromXml(const TestHome& home, const QString& name,
-                                                  const QByteArray& xml) {
-    home.write(QStringLiteral("Messages/") + name + QStringLiteral("/message.xml"), xml);
+// Opens <home>/Messages/<name> as a message.
+inline std::unique_ptr<clsMessage> newMessage(const TestHome& home, const QString& name) {
     auto message = std::make_unique<clsMessage>();
     message->Initialize(home.file(QStringLiteral("Messages/")), QStringLiteral("message.xml"),
                         name);
     return message;
 }
 
-inline std::unique_ptr<clsMessage> newMessage(const TestHome& home, const QString& name) {
-    auto message = std::make_unique<clsMessage>();
-    message->Initialize(home.file(QStringLiteral("Messages/")), QStringLiteral("message.xml"),
-                        name);
-    return message;
+// Writes `xml` as <home>/Messages/<name>/message.xml and opens it as a message.
+inline std::unique_ptr<clsMessage> messageFromXml(const TestHome& home, const QString& name,
+                                                  const QByteArray& xml) {
+    home.write(QStringLiteral("Messages/") + name + QStringLiteral("/message.xml"), xml);
+    return newMessage(home, name);
 }
 
 // The serialised document without the declaration, for comparisons of the tree.

@@ -13,23 +13,10 @@ TEST(MessageTest, NewMessageIsTheTemplateWithDeclarationAndEmptySlides) {
               "<?xml version=\"1.0\" encoding=\"utf-8\"?><ROOT><HEADER><CONTENT version=\"1.0\" "
               "type=\"Tessaly messages\"/></HEADER><MESSAGE "
               "name=\"First\"><SLIDES/></MESSAGE></ROOT>");
-    EXPECT_EQ(message->name(), QStringLiteral("First"));
-    EXPECT_EQ(message->Path(), home.file(QStringLiteral("Messages/First/")));
-    ASSERT_NE(message->Slides(), nullptr);
-    EXPECT_EQ(message->Slides()->Count(), 0);
+    EXPECT_EQ(message->document().first_child().type(), pugi::node_declaration);
     EXPECT_TRUE(message->isChanged());
     EXPECT_EQ(message->DefaultDuration(), 3000);
-    EXPECT_FALSE(message->DOMParent());
-}
-
-TEST(MessageTest, DeclarationIsANodeOfItsOwnAndComesFirst) {
-    TestHome home;
-    auto message = newMessage(home, QStringLiteral("A"));
-    const pugi::xml_node first = message->document().first_child();
-    EXPECT_EQ(first.type(), pugi::node_declaration);
-    EXPECT_STREQ(first.attribute("version").value(), "1.0");
-    EXPECT_STREQ(first.attribute("encoding").value(), "utf-8");
-    EXPECT_EQ(message->serialise().find("<?xml", 1), std::string::npos) << "one declaration only";
+    EXPECT_TRUE(message->readProblem().isEmpty());
 }
 
 TEST(MessageTest, LoadedFileKeepsItsOwnContentAndIsStillChanged) {
@@ -43,38 +30,24 @@ TEST(MessageTest, LoadedFileKeepsItsOwnContentAndIsStillChanged) {
     // The name is the MESSAGE attribute; the folder is the name the message was opened by.
     EXPECT_EQ(message->name(), QStringLiteral("Stored"));
     EXPECT_EQ(message->Path(), home.file(QStringLiteral("Messages/Folder/")));
-    EXPECT_EQ(message->Created(), QStringLiteral("yesterday"));
     EXPECT_TRUE(message->isChanged());
-    ASSERT_EQ(message->Slides()->Count(), 1);
     EXPECT_EQ(message->Slides()->Item(1)->Duration(), 1500);
-    EXPECT_EQ(message->Slides()->Item(1)->Color(), 255);
     // A loaded file without a declaration gets none added.
     EXPECT_EQ(message->serialise().rfind("<ROOT>", 0), 0u);
 }
 
-TEST(MessageTest, MessageWithoutSlidesGetsSlidesAppended) {
+TEST(MessageTest, MissingSlidesAreAppendedAndABrokenFileGivesAFreshMessage) {
     TestHome home;
     auto message =
         messageFromXml(home, QStringLiteral("M"), "<ROOT><HEADER/><MESSAGE name=\"M\"/></ROOT>");
-    ASSERT_NE(message->Slides(), nullptr);
-    EXPECT_EQ(message->Slides()->Count(), 0);
     EXPECT_EQ(body(*message), "<ROOT><HEADER/><MESSAGE name=\"M\"><SLIDES/></MESSAGE></ROOT>");
-}
-
-TEST(MessageTest, BrokenOrMissingFileGivesAFreshMessage) {
-    TestHome home;
     for (const QByteArray& broken : {QByteArray("<ROOT><MESSAGE name=\"x\"><SLIDES><SLIDE"),
                                      QByteArray("\xff\xfe\x00garbage"), QByteArray("")}) {
-        auto message = messageFromXml(home, QStringLiteral("Broken"), broken);
-        ASSERT_NE(message->Slides(), nullptr);
-        EXPECT_EQ(message->Slides()->Count(), 0);
-        EXPECT_EQ(message->name(), QStringLiteral("Broken"));
+        message = messageFromXml(home, QStringLiteral("Broken"), broken);
         EXPECT_EQ(body(*message),
                   std::string(kHead) + "<MESSAGE name=\"Broken\"><SLIDES/></MESSAGE></ROOT>");
     }
-    auto missing = newMessage(home, QStringLiteral("Nowhere"));
-    EXPECT_EQ(missing->Slides()->Count(), 0);
-    // Nothing reached the disk.
+    EXPECT_EQ(newMessage(home, QStringLiteral("Nowhere"))->Slides()->Count(), 0);
     EXPECT_FALSE(QFile::exists(home.file(QStringLiteral("Messages/Nowhere"))));
 }
 
@@ -82,18 +55,43 @@ TEST(MessageTest, DocumentWithoutRootHasNoSlideCollection) {
     TestHome home;
     auto message = messageFromXml(home, QStringLiteral("Other"), "<OTHER><MESSAGE/></OTHER>");
     EXPECT_EQ(message->Slides(), nullptr);
-    EXPECT_EQ(message->DefaultDuration(), -1);
     message->setDefaultDuration(5000); // nothing to forward to
     EXPECT_EQ(message->DefaultDuration(), -1);
     EXPECT_EQ(message->name(), QString());
-    EXPECT_TRUE(message->isChanged());
+    EXPECT_FALSE(message->readProblem().isEmpty());
+    EXPECT_FALSE(message->SaveMessageAs(QStringLiteral("Named"))) << "nothing carries the name";
+}
+
+// Every value the program reads when it shows a message must read, or the message is refused
+// as a whole instead of failing half-way through showing it.
+TEST(MessageTest, ReadProblemNamesAValueThatIsNoNumber) {
+    TestHome home;
+    const std::string head = "<ROOT><MESSAGE name=\"S\"><SLIDES><SLIDE name=\"Slide\" ";
+    const std::string tail = "</SLIDE></SLIDES></MESSAGE></ROOT>";
+    const struct {
+        std::string xml;
+        bool readable;
+    } cases[] = {
+        {"index=\"1\" dur=\"1500\"><SOUND dur=\"\"/>", true},
+        {"index=\"1\" dur=\"soon\">", false},
+        {"index=\"first\" dur=\"1\">", false},
+        {"index=\"99999\" dur=\"1\">", false},
+        {"index=\"1\" dur=\"1\"><SOUND dur=\"99999999999\"/>", false},
+        {"index=\"1\"><DRAWOBJECTS><BACKGROUND color=\"red\"/></DRAWOBJECTS>", false},
+        {"index=\"1\"><DRAWOBJECTS><DRAWOBJECT type=\"image\" x=\"abc\"/></DRAWOBJECTS>", false},
+    };
+    for (const auto& c : cases) {
+        auto message = messageFromXml(home, QStringLiteral("S"),
+                                      QByteArray::fromStdString(head + c.xml + tail));
+        ASSERT_EQ(message->Slides()->Count(), 1) << c.xml;
+        EXPECT_EQ(message->readProblem().isEmpty(), c.readable) << c.xml;
+    }
 }
 
 TEST(MessageTest, NameWriteMovesThePathAndPathWriteDoesNothing) {
     TestHome home;
     auto message = newMessage(home, gUntitledName);
     message->setName(QStringLiteral("Holiday"));
-    EXPECT_EQ(message->name(), QStringLiteral("Holiday"));
     EXPECT_EQ(message->Path(), home.file(QStringLiteral("Messages/Holiday/")));
     message->setPath(QStringLiteral("/somewhere/else/"));
     EXPECT_EQ(message->Path(), home.file(QStringLiteral("Messages/Holiday/")));
@@ -103,22 +101,15 @@ TEST(MessageTest, NameWriteMovesThePathAndPathWriteDoesNothing) {
                                   "created=\"2026-01-01\"><SLIDES/></MESSAGE></ROOT>");
 }
 
-TEST(MessageTest, DefaultDurationIsForwardedToTheSlides) {
-    TestHome home;
-    auto message = newMessage(home, QStringLiteral("D"));
-    message->setDefaultDuration(4500);
-    EXPECT_EQ(message->Slides()->DefaultDuration(), 4500);
-    EXPECT_EQ(message->Slides()->Add()->Duration(), 4500);
-}
-
 TEST(MessageTest, DeleteSlideRemovesOnlyAnExistingSlide) {
     TestHome home;
     auto message = newMessage(home, QStringLiteral("D"));
     message->DeleteSlide(1); // empty: nothing happens
+    message->setDefaultDuration(4500);
     message->Slides()->Add();
     message->Slides()->Add();
+    EXPECT_EQ(message->Slides()->Item(2)->Duration(), 4500);
     message->DeleteSlide(5);
-    EXPECT_EQ(message->Slides()->Count(), 2);
     message->DeleteSlide(1);
     ASSERT_EQ(message->Slides()->Count(), 1);
     EXPECT_EQ(message->Slides()->Item(1)->Index(), 1);
@@ -139,18 +130,8 @@ TEST(MessageTest, CopySlideCopiesValuesAndAppendsDrawObjects) {
     source->setText(QStringLiteral("one\ntwo"));
     source->DrawObjects()->setBackPicture(QStringLiteral("/bg.bmp"));
     source->DrawObjects()->setBackType(QStringLiteral("kind"));
-    clsDrawProperties text;
-    text.name = QStringLiteral("t1");
-    text.typ = QStringLiteral("text");
-    text.Data = QStringLiteral("hello");
-    text.fontName = QStringLiteral("Sans");
-    text.fontSize = 12;
-    source->DrawObjects()->Add(text);
-    clsDrawProperties existing;
-    existing.name = QStringLiteral("keep");
-    existing.typ = QStringLiteral("image");
-    existing.Data = QStringLiteral("/p.png");
-    destination->DrawObjects()->Add(existing);
+    source->DrawObjects()->Add({QStringLiteral("t1"), QStringLiteral("text")});
+    destination->DrawObjects()->Add({QStringLiteral("keep"), QStringLiteral("text")});
 
     message->CopySlide(*destination, *source);
     EXPECT_EQ(destination->Color(), 123);
@@ -164,23 +145,10 @@ TEST(MessageTest, CopySlideCopiesValuesAndAppendsDrawObjects) {
     EXPECT_EQ(getAttr(destination->DrawObjects()->backgroundElement(), "type"), QString());
     ASSERT_EQ(destination->DrawObjects()->Count(), 2);
     EXPECT_EQ(destination->DrawObjects()->Item(1)->name(), QStringLiteral("keep"));
-    EXPECT_EQ(destination->DrawObjects()->Item(2)->GetAllPproperties(), text);
-}
+    EXPECT_EQ(destination->DrawObjects()->Item(2)->name(), QStringLiteral("t1"));
 
-TEST(MessageTest, CopySlideOntoItselfDoublesTheDrawObjectsOnce) {
-    TestHome home;
-    auto message = newMessage(home, QStringLiteral("Self"));
-    auto slide = message->Slides()->Add();
-    slide->setColor(77);
-    for (const char* name : {"a", "b"}) {
-        clsDrawProperties object;
-        object.name = QString::fromLatin1(name);
-        object.typ = QStringLiteral("text");
-        slide->DrawObjects()->Add(object);
-    }
-    message->CopySlide(*slide, *slide);
-    EXPECT_EQ(slide->Color(), 77);
-    ASSERT_EQ(slide->DrawObjects()->Count(), 4);
-    EXPECT_EQ(slide->DrawObjects()->Item(3)->name(), QStringLiteral("a"));
-    EXPECT_EQ(slide->DrawObjects()->Item(4)->name(), QStringLiteral("b"));
+    // Onto itself, the objects are doubled once.
+    message->CopySlide(*source, *source);
+    ASSERT_EQ(source->DrawObjects()->Count(), 2);
+    EXPECT_EQ(source->DrawObjects()->Item(2)->name(), QStringLiteral("t1"));
 }

@@ -25,13 +25,9 @@ TEST(SlidesTest, AddUsesTheDefaultDurationAndLeavesTheImageUrlOut) {
     TestHome home;
     auto message = newMessage(home, QStringLiteral("S"));
     message->setDefaultDuration(2500);
-    auto slide = message->Slides()->Add();
-    ASSERT_TRUE(slide);
+    ASSERT_TRUE(message->Slides()->Add());
     EXPECT_EQ(slidesOf(*message),
               "<SLIDES>" + slideXml("name=\"Slide\" index=\"1\" dur=\"2500\"") + "</SLIDES>");
-    EXPECT_EQ(slide->ImageFile(), QStringLiteral("Slide_1.bmp"));
-    EXPECT_EQ(slide->name(), QStringLiteral("Slide"));
-    EXPECT_EQ(slide->DOMElement(), message->Slides()->slidesElement().first_child());
 }
 
 TEST(SlidesTest, AddBeforeTheOnlySlideRenumbersBothAndUses3000) {
@@ -42,7 +38,6 @@ TEST(SlidesTest, AddBeforeTheOnlySlideRenumbersBothAndUses3000) {
     first->setText(QStringLiteral("old"));
     auto inserted = message->Slides()->AddBefore(1);
     ASSERT_TRUE(inserted);
-    ASSERT_EQ(message->Slides()->Count(), 2);
     EXPECT_EQ(message->Slides()->Item(1), inserted);
     EXPECT_EQ(message->Slides()->Item(2), first);
     EXPECT_EQ(slidesOf(*message),
@@ -53,24 +48,6 @@ TEST(SlidesTest, AddBeforeTheOnlySlideRenumbersBothAndUses3000) {
                   kEmptyDraw + "</SLIDE></SLIDES>");
 }
 
-TEST(SlidesTest, AddAfterTheLastAppendsInCollectionAndDocument) {
-    TestHome home;
-    auto message = newMessage(home, QStringLiteral("S"));
-    message->Slides()->Add();
-    message->Slides()->Add();
-    auto added = message->Slides()->AddAfter(2);
-    ASSERT_TRUE(added);
-    EXPECT_EQ(message->Slides()->Item(3), added);
-    EXPECT_EQ(added->DOMElement(), message->Slides()->slidesElement().last_child());
-    EXPECT_EQ(added->Index(), 3);
-    EXPECT_EQ(added->Duration(), 3000);
-    EXPECT_EQ(added->GetImageAttribute(QStringLiteral("url")), QStringLiteral("Slide_3"));
-    // Renumbering starts at the given index, so the slide before gets its url too.
-    EXPECT_EQ(message->Slides()->Item(2)->GetImageAttribute(QStringLiteral("url")),
-              QStringLiteral("Slide_2"));
-    EXPECT_EQ(message->Slides()->Item(1)->GetImageAttribute(QStringLiteral("url")), QString());
-}
-
 TEST(SlidesTest, AddAfterInTheMiddleKeepsDocumentAndCollectionInStep) {
     TestHome home;
     auto message = newMessage(home, QStringLiteral("S"));
@@ -78,16 +55,21 @@ TEST(SlidesTest, AddAfterInTheMiddleKeepsDocumentAndCollectionInStep) {
         message->Slides()->Add()->setText(QString::number(i + 1));
     auto added = message->Slides()->AddAfter(1);
     ASSERT_TRUE(added);
+    EXPECT_EQ(added->Duration(), 3000);
+    // Renumbering starts at the given index: the slides from there on get their url.
+    EXPECT_EQ(message->Slides()->Item(1)->GetImageAttribute(QStringLiteral("url")),
+              QStringLiteral("Slide_1"));
+    auto last = message->Slides()->AddAfter(4);
+    EXPECT_EQ(message->Slides()->Item(5), last) << "after the last";
     QStringList texts;
     int position = 1;
     for (pugi::xml_node slide : message->Slides()->slidesElement().children("SLIDE")) {
         EXPECT_EQ(message->Slides()->Item(position)->DOMElement(), slide);
-        EXPECT_EQ(message->Slides()->Item(position)->Index(), position);
         texts << QString::fromUtf8(slide.child("TEXT").attribute("text").value());
         ++position;
     }
     EXPECT_EQ(texts, (QStringList{QStringLiteral("1"), QString(), QStringLiteral("2"),
-                                  QStringLiteral("3")}));
+                                  QStringLiteral("3"), QString()}));
 }
 
 TEST(SlidesTest, InsertionsOutOfRangeGiveNullAndChangeNothing) {
@@ -99,20 +81,9 @@ TEST(SlidesTest, InsertionsOutOfRangeGiveNullAndChangeNothing) {
     EXPECT_FALSE(message->Slides()->AddAfter(1));
     EXPECT_EQ(message->serialise(), before);
     message->Slides()->Add();
-    const std::string one = message->serialise();
     EXPECT_FALSE(message->Slides()->AddBefore(0));
     EXPECT_FALSE(message->Slides()->AddAfter(2));
-    EXPECT_FALSE(message->Slides()->AddBefore(-3));
-    EXPECT_EQ(message->serialise(), one);
     EXPECT_EQ(message->Slides()->Count(), 1);
-}
-
-TEST(SlidesTest, ItemOutOfRangeIsNull) {
-    TestHome home;
-    auto message = newMessage(home, QStringLiteral("S"));
-    EXPECT_FALSE(message->Slides()->Item(1));
-    message->Slides()->Add();
-    EXPECT_TRUE(message->Slides()->Item(1));
     EXPECT_FALSE(message->Slides()->Item(0));
     EXPECT_FALSE(message->Slides()->Item(2));
 }
@@ -124,45 +95,21 @@ TEST(SlidesTest, RemoveRenumbersAndOldReferenceWorksOnItsDetachedElement) {
     for (int i = 0; i < 3; ++i)
         message->Slides()->Add()->setText(QStringLiteral("t%1").arg(i + 1));
     auto removed = message->Slides()->Item(2);
-    clsDrawProperties object;
-    object.name = QStringLiteral("pic");
-    object.typ = QStringLiteral("image");
-    object.Data = QStringLiteral("/x.png");
-    auto held = removed->DrawObjects()->Add(object);
+    auto held = removed->DrawObjects()->Add(clsDrawProperties{QStringLiteral("pic")});
 
     message->Slides()->Remove(2);
     ASSERT_EQ(message->Slides()->Count(), 2);
     EXPECT_EQ(message->Slides()->Item(2)->Text(), QStringLiteral("t3"));
-    EXPECT_EQ(message->Slides()->Item(2)->Index(), 2);
     EXPECT_EQ(message->Slides()->Item(2)->GetImageAttribute(QStringLiteral("url")),
               QStringLiteral("Slide_2"));
     EXPECT_EQ(message->serialise().find("t2"), std::string::npos);
 
     // The removed slide and its draw object still read and write, outside the message.
-    EXPECT_EQ(removed->Text(), QStringLiteral("t2"));
     removed->setText(QStringLiteral("changed"));
-    removed->setDuration(1234);
-    EXPECT_EQ(removed->Duration(), 1234);
-    EXPECT_EQ(held->Image(), QStringLiteral("/x.png"));
     held->setImage(QStringLiteral("/y.png"));
-    EXPECT_EQ(removed->DrawObjects()->Item(1)->Image(), QStringLiteral("/y.png"));
     EXPECT_EQ(message->serialise().find("changed"), std::string::npos);
     EXPECT_EQ(message->serialise().find("/y.png"), std::string::npos);
     EXPECT_THROW(message->Slides()->Remove(7), Failure);
-}
-
-TEST(SlidesTest, ClearEmptiesTheCollectionButTheSlidesComeBackOnOpen) {
-    TestHome home;
-    auto message = newMessage(home, QStringLiteral("Keep"));
-    message->Slides()->Add();
-    message->Slides()->Add();
-    const std::string before = message->serialise();
-    message->Slides()->Clear();
-    EXPECT_EQ(message->Slides()->Count(), 0);
-    EXPECT_EQ(message->serialise(), before);
-    ASSERT_TRUE(message->SaveMessage());
-    auto again = newMessage(home, QStringLiteral("Keep"));
-    EXPECT_EQ(again->Slides()->Count(), 2);
 }
 
 TEST(SlidesTest, MissingValuesReadAsZeroOrEmpty) {
@@ -172,37 +119,11 @@ TEST(SlidesTest, MissingValuesReadAsZeroOrEmpty) {
         "<ROOT><MESSAGE name=\"S\"><SLIDES><SLIDE name=\"Slide\" index=\"1\"><IMAGE/><SOUND "
         "dur=\"\"/><TEXT/></SLIDE></SLIDES></MESSAGE></ROOT>");
     auto slide = message->Slides()->Item(1);
-    ASSERT_TRUE(slide);
     EXPECT_EQ(slide->Duration(), 0);
     EXPECT_EQ(slide->SoundDuration(), 0);
     EXPECT_EQ(slide->Sound(), QString());
-    EXPECT_EQ(slide->Text(), QString());
-    EXPECT_EQ(slide->GetSoundAttribute(QStringLiteral("nothing")), QString());
     // A slide without DRAWOBJECTS gets one with a background of the preferred colour.
-    ASSERT_NE(slide->DrawObjects(), nullptr);
     EXPECT_EQ(slide->Color(), 16777215);
-}
-
-TEST(SlidesTest, NumbersThatAreNotNumbersAreRefused) {
-    TestHome home;
-    auto message =
-        messageFromXml(home, QStringLiteral("S"),
-                       "<ROOT><MESSAGE name=\"S\"><SLIDES><SLIDE name=\"Slide\" index=\"1\" "
-                       "dur=\"soon\"><IMAGE/><SOUND "
-                       "dur=\"99999999999\"/><TEXT/></SLIDE></SLIDES></MESSAGE></ROOT>");
-    auto slide = message->Slides()->Item(1);
-    try {
-        slide->Duration();
-        FAIL() << "no failure";
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.number(), DocumentFailure::TypeMismatch);
-    }
-    try {
-        slide->SoundDuration();
-        FAIL() << "no failure";
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.number(), DocumentFailure::Overflow);
-    }
 }
 
 TEST(SlidesTest, TextLineEndsAreNormalisedOnReadOnly) {
@@ -214,22 +135,6 @@ TEST(SlidesTest, TextLineEndsAreNormalisedOnReadOnly) {
     EXPECT_EQ(slide->Text(), QStringLiteral("a\r\nb\r\nc\r\nd\r\n\r\ne"));
 }
 
-TEST(SlidesTest, GenericAttributesOfTheChildElements) {
-    TestHome home;
-    auto message = newMessage(home, QStringLiteral("S"));
-    auto slide = message->Slides()->Add();
-    slide->SetImageAttribute(QStringLiteral("alt"), QStringLiteral("a"));
-    slide->SetSoundAttribute(QStringLiteral("vol"), QStringLiteral("b"));
-    slide->SetTextAttribute(QStringLiteral("lang"), QStringLiteral("c"));
-    slide->setSound(QStringLiteral("/s.wav"));
-    slide->setSoundDuration(800);
-    EXPECT_EQ(slidesOf(*message),
-              "<SLIDES><SLIDE name=\"Slide\" index=\"1\" dur=\"3000\"><IMAGE alt=\"a\"/><SOUND "
-              "vol=\"b\" url=\"/s.wav\" dur=\"800\"/><TEXT lang=\"c\"/>" +
-                  kEmptyDraw + "</SLIDE></SLIDES>");
-    EXPECT_EQ(slide->GetSoundAttribute(QStringLiteral("vol")), QStringLiteral("b"));
-}
-
 TEST(SlidesTest, SlideOutlivesItsMessage) {
     TestHome home;
     std::shared_ptr<clsSlide> slide;
@@ -239,6 +144,4 @@ TEST(SlidesTest, SlideOutlivesItsMessage) {
         slide->setText(QStringLiteral("still here"));
     }
     EXPECT_EQ(slide->Text(), QStringLiteral("still here"));
-    slide->setDuration(10);
-    EXPECT_EQ(slide->Duration(), 10);
 }

@@ -1,7 +1,10 @@
 #include "config/clsPropertiesXML.h"
 #include "config/modConfig.h"
 #include "document/clsMessage.h"
+#include "document/modDocument.h"
 #include "platform/Failure.h"
+#include "platform/FolderSwap.h"
+#include "platform/StatusSink.h"
 #include "platform/modDialogs.h"
 #include "platform/modShared.h"
 #include "store/clsMMSManager.h"
@@ -30,6 +33,20 @@ QImage filled(QColor colour) {
     image.fill(colour);
     return image;
 }
+
+// Records what the store reports and answers from a queue (then with the default button).
+struct RecordingSink : StatusSink {
+    std::vector<ScriptedResponder::Box> asked;
+    std::deque<int> answers;
+    int ask(const QString& text, int style, const QString& title) override {
+        asked.push_back({text, style, title});
+        if (answers.empty())
+            return msgBoxDefaultAnswer(style);
+        const int answer = answers.front();
+        answers.pop_front();
+        return answer;
+    }
+};
 
 QStringList namesOf(const QStringList& entries) {
     QStringList names;
@@ -75,17 +92,21 @@ TEST(MMSManagerTest, ListGivesNameTabDateForEachFolder) {
     }
 }
 
-TEST(MMSManagerTest, UninitialisedStoreFailsWithABox) {
+TEST(MMSManagerTest, UninitialisedStoreReportsToItsSinkAndShowsNoBox) {
     TestHome home;
     clsMMSManager manager;
     ScriptedResponder responder;
     QStringList names;
+    EXPECT_EQ(manager.ListMessages(names), -1) << "the quiet sink by default";
+    RecordingSink sink;
+    manager.setStatusSink(&sink);
     EXPECT_EQ(manager.ListMessages(names), -1);
-    ASSERT_EQ(responder.boxes.size(), 1u);
-    EXPECT_EQ(responder.boxes[0].title, QStringLiteral("ListMessages"));
-    EXPECT_TRUE(responder.boxes[0].text.endsWith(QStringLiteral("\r\nError code: 91")));
-    EXPECT_EQ(responder.boxes[0].style, Vb::Critical);
+    ASSERT_EQ(sink.asked.size(), 1u);
+    EXPECT_EQ(sink.asked[0].title, QStringLiteral("ListMessages"));
+    EXPECT_TRUE(sink.asked[0].text.endsWith(QStringLiteral("\r\nError code: 91")));
+    EXPECT_EQ(sink.asked[0].style, Vb::Critical);
     EXPECT_FALSE(manager.CopyMsg(QStringLiteral("a"), QStringLiteral("b")));
+    EXPECT_TRUE(responder.boxes.empty());
 }
 
 TEST(MMSManagerTest, CreateTakesTheSlideDurationPreference) {
@@ -180,40 +201,49 @@ TEST(MMSManagerTest, RenameMovesTheFolderAndRefusesAnExistingOne) {
     EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral("New/message.xml"))));
 }
 
-TEST(MMSManagerTest, RenameOfADocumentWithoutMessageLeavesTheFolder) {
+TEST(MMSManagerTest, OpenRefusesADocumentItCannotShowAndLeavesItAsItIs) {
     Store store;
+    const QByteArray slide = "<ROOT><MESSAGE name=\"N\"><SLIDES><SLIDE name=\"Slide\" ";
+    const QByteArray tail = "/></SLIDES></MESSAGE></ROOT>";
+    for (const QByteArray& xml :
+         {QByteArray("<OTHER><MESSAGE/></OTHER>"), slide + "index=\"1\" dur=\"long\"" + tail,
+          slide + "index=\"one\" dur=\"1\"" + tail}) {
+        store.home.write(QStringLiteral("Messages/Odd/message.xml"), xml);
+        EXPECT_EQ(store.manager.OpenMsg(QStringLiteral("Odd")), nullptr) << xml.toStdString();
+        EXPECT_EQ(store.home.read(QStringLiteral("Messages/Odd/message.xml")), xml);
+    }
+    // Nor can such a message be renamed: nothing carries its name.
+    clsMessage odd;
     store.home.write(QStringLiteral("Messages/Odd/message.xml"), "<OTHER/>");
-    auto odd = store.manager.OpenMsg(QStringLiteral("Odd"));
-    ASSERT_FALSE(odd->hasMessageElement());
-    EXPECT_FALSE(store.manager.RenameMsg(*odd, QStringLiteral("Renamed")));
-    EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral("Odd/message.xml"))));
+    odd.Initialize(store.folder(QString()), QStringLiteral("message.xml"), QStringLiteral("Odd"));
+    EXPECT_FALSE(store.manager.RenameMsg(odd, QStringLiteral("Renamed")));
     EXPECT_FALSE(QFileInfo::exists(store.folder(QStringLiteral("Renamed"))));
-    EXPECT_EQ(odd->Path(), store.folder(QStringLiteral("Odd/")));
 }
 
 TEST(MMSManagerTest, StoreOperationsRefuseTheNamesSavingRefuses) {
     Store store;
     auto message = store.manager.CreateMsg(QStringLiteral("Good"));
     ASSERT_TRUE(message->SaveMessage());
-    QDir().mkpath(store.folder(QStringLiteral(".hidden")));
+    for (const QString& other : {QStringLiteral("a"), QStringLiteral("b")})
+        ASSERT_TRUE(store.manager.CreateMsg(other)->SaveMessage());
     store.home.write(QStringLiteral("Messages/.hidden/message.xml"), "<ROOT/>");
-    for (const QString& bad : {QStringLiteral(".hidden"), QStringLiteral(".x"),
-                               QStringLiteral("a\\b"), QStringLiteral("a/b"), QString()}) {
-        EXPECT_FALSE(store.manager.RenameMsg(*message, bad)) << bad.toStdString();
-        EXPECT_FALSE(store.manager.CopyMsg(QStringLiteral("Good"), bad)) << bad.toStdString();
-        EXPECT_FALSE(store.manager.CopyMsg(bad, QStringLiteral("Good"))) << bad.toStdString();
-        auto created = store.manager.CreateMsg(bad);
-        EXPECT_FALSE(created->SaveMessage()) << bad.toStdString();
-        EXPECT_FALSE(created->lastError().isEmpty());
+    RecordingSink sink;
+    store.manager.setStatusSink(&sink);
+    const QStringList bad{QStringLiteral("a,b"),  QStringLiteral(".hidden"), QStringLiteral("a.b"),
+                          QStringLiteral("a\\b"), QStringLiteral("a/b"),     QString()};
+    for (const QString& name : bad) {
+        EXPECT_FALSE(store.manager.RenameMsg(*message, name)) << name.toStdString();
+        EXPECT_FALSE(store.manager.SaveMsgAs(*message, name)) << name.toStdString();
+        EXPECT_FALSE(store.manager.CopyMsg(QStringLiteral("Good"), name)) << name.toStdString();
+        EXPECT_FALSE(store.manager.CopyMsg(name, QStringLiteral("Good"))) << name.toStdString();
+        EXPECT_EQ(store.manager.CreateMsg(name), nullptr) << name.toStdString();
+        EXPECT_FALSE(store.manager.DeleteMsg(name, false)) << name.toStdString();
     }
-    ScriptedResponder responder;
-    EXPECT_FALSE(store.manager.DeleteMsg(QStringLiteral(".hidden"), false));
-    EXPECT_EQ(responder.boxes.size(), 1u);
-    EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral(".hidden/message.xml"))));
+    EXPECT_EQ(sink.asked.size(), static_cast<size_t>(bad.size())) << "each delete says why";
     EXPECT_EQ(message->name(), QStringLiteral("Good"));
     QStringList names;
-    EXPECT_EQ(store.manager.ListMessages(names), 0);
-    EXPECT_EQ(namesOf(names), QStringList{QStringLiteral("Good")});
+    EXPECT_EQ(store.manager.ListMessages(names), 2) << "not one folder went";
+    EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral(".hidden/message.xml"))));
 }
 
 TEST(MMSManagerTest, CopyOverwritesFilesKeepsOthersAndLeavesSubFoldersBehind) {
@@ -240,15 +270,43 @@ TEST(MMSManagerTest, CopyOverwritesFilesKeepsOthersAndLeavesSubFoldersBehind) {
     EXPECT_FALSE(store.manager.CopyMsg(QStringLiteral("Src"), QString()));
 }
 
-TEST(MMSManagerTest, DeleteMovesTheFolderAway) {
+TEST(MMSManagerTest, DeleteMovesTheFolderToTheTrash) {
     Store store;
     ASSERT_TRUE(store.manager.CreateMsg(QStringLiteral("Gone"))->SaveMessage());
     ASSERT_TRUE(store.manager.CreateMsg(QStringLiteral("Stays"))->SaveMessage());
-    ScriptedResponder responder;
+    RecordingSink sink;
+    store.manager.setStatusSink(&sink);
     EXPECT_TRUE(store.manager.DeleteMsg(QStringLiteral("Gone"), true));
     EXPECT_FALSE(QFileInfo::exists(store.folder(QStringLiteral("Gone"))));
-    EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral("Stays/message.xml"))));
-    EXPECT_TRUE(responder.boxes.empty());
+    const QString trash = qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/Trash/");
+    EXPECT_TRUE(QFileInfo::exists(trash + QStringLiteral("info/Gone.trashinfo")));
+    QDir(trash).removeRecursively();
+    EXPECT_TRUE(sink.asked.empty());
+}
+
+TEST(MMSManagerTest, WithoutATrashDeleteAsksBeforeDeletingForGood) {
+    Store store;
+    const QByteArray dataHome = qgetenv("XDG_DATA_HOME");
+    store.home.write(QStringLiteral("not-a-folder"), "x");
+    qputenv("XDG_DATA_HOME", store.home.file(QStringLiteral("not-a-folder")).toLocal8Bit());
+    ASSERT_TRUE(store.manager.CreateMsg(QStringLiteral("Trip"))->SaveMessage());
+    RecordingSink sink;
+    store.manager.setStatusSink(&sink);
+    sink.answers = {Vb::No};
+    EXPECT_FALSE(store.manager.DeleteMsg(QStringLiteral("Trip"), false));
+    EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral("Trip/message.xml"))));
+    ASSERT_EQ(sink.asked.size(), 1u) << "a No is no failure";
+    EXPECT_EQ(sink.asked[0].text, QStringLiteral("STR_DELETE_FOR_GOOD\r\n\r\nTrip"));
+    EXPECT_EQ(sink.asked[0].title, QStringLiteral("STR_DELETE_MSG"));
+    EXPECT_EQ(sink.asked[0].style, Vb::YesNo | Vb::Question | Vb::DefaultButton2);
+    store.manager.setStatusSink(nullptr); // the quiet sink answers with the default: No
+    EXPECT_FALSE(store.manager.DeleteMsg(QStringLiteral("Trip"), true));
+    EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral("Trip/message.xml"))));
+    store.manager.setStatusSink(&sink);
+    sink.answers = {Vb::Yes};
+    EXPECT_TRUE(store.manager.DeleteMsg(QStringLiteral("Trip"), true));
+    EXPECT_FALSE(QFileInfo::exists(store.folder(QStringLiteral("Trip"))));
+    qputenv("XDG_DATA_HOME", dataHome);
 }
 
 TEST(MMSManagerTest, DeleteOfAnUntitledMessageWithoutFolderIsSilent) {
@@ -258,18 +316,15 @@ TEST(MMSManagerTest, DeleteOfAnUntitledMessageWithoutFolderIsSilent) {
     EXPECT_TRUE(responder.boxes.empty());
 }
 
-TEST(MMSManagerTest, DeleteFailureShowsTheErrorBox) {
+TEST(MMSManagerTest, DeleteFailureGoesToTheSinkAsTheErrorBox) {
     Store store;
-    ScriptedResponder responder;
+    RecordingSink sink;
+    store.manager.setStatusSink(&sink);
     EXPECT_FALSE(store.manager.DeleteMsg(QStringLiteral("Nothing"), true));
-    ASSERT_EQ(responder.boxes.size(), 1u);
-    EXPECT_EQ(responder.boxes[0].style, Vb::Critical);
-    EXPECT_EQ(responder.boxes[0].title, QStringLiteral("STR_ERROR"));
-    EXPECT_TRUE(responder.boxes[0].text.startsWith(QStringLiteral("STR_ERROR_DEL_MSG\r\n")));
-    // An empty name never reaches the store folder itself.
-    EXPECT_FALSE(store.manager.DeleteMsg(QString(), true));
-    EXPECT_TRUE(QFileInfo(store.folder(QString())).isDir());
-    EXPECT_EQ(responder.boxes.size(), 2u);
+    ASSERT_EQ(sink.asked.size(), 1u);
+    EXPECT_EQ(sink.asked[0].style, Vb::Critical);
+    EXPECT_EQ(sink.asked[0].title, QStringLiteral("STR_ERROR"));
+    EXPECT_TRUE(sink.asked[0].text.startsWith(QStringLiteral("STR_ERROR_DEL_MSG\r\n")));
 }
 
 TEST(MMSManagerTest, TemplateKindsSwitchTheOutputs) {
@@ -288,7 +343,6 @@ TEST(MMSManagerTest, TemplateKindsSwitchTheOutputs) {
     EXPECT_FALSE(manager.makeTemplate());
     manager.SetTemplateFileType(0);
     EXPECT_TRUE(manager.makeTemplate());
-    EXPECT_EQ(manager.GetSaveAsMMSStatus(), QString());
 }
 
 TEST(MMSManagerTest, SavePictureBoxImageWritesTheChosenForm) {
@@ -301,8 +355,7 @@ TEST(MMSManagerTest, SavePictureBoxImageWritesTheChosenForm) {
     EXPECT_FALSE(QImage(stem + QStringLiteral("gif")).isNull());
 }
 
-// Damaged documents of every kind open without a crash: each value either reads or raises the
-// program's failure, never anything worse.
+// Damaged documents of every kind either open with every value readable or are refused.
 TEST(MMSManagerTest, DamagedDocumentsOpenWithoutACrash) {
     Store store;
     auto message = store.manager.CreateMsg(QStringLiteral("Seed"));
@@ -324,6 +377,7 @@ TEST(MMSManagerTest, DamagedDocumentsOpenWithoutACrash) {
         return seed >> 8;
     };
     int opened = 0;
+    int refused = 0;
     for (int round = 0; round < 300; ++round) {
         QByteArray damaged = original;
         const int edits = 1 + static_cast<int>(next() % 4);
@@ -343,27 +397,101 @@ TEST(MMSManagerTest, DamagedDocumentsOpenWithoutACrash) {
         }
         store.home.write(QStringLiteral("Messages/Seed/message.xml"), damaged);
         auto copy = store.manager.OpenMsg(QStringLiteral("Seed"));
-        ASSERT_TRUE(copy);
-        if (!copy->Slides())
+        if (!copy) {
+            ++refused;
             continue;
+        }
         ++opened;
+        // What opens shows: every value it reads reads.
         for (const auto& slide : *copy->Slides()) {
-            try {
-                (void)slide->Text();
-                (void)slide->Sound();
-                (void)slide->Duration();
-                (void)slide->SoundDuration();
-                (void)slide->Color();
-                (void)slide->ImageFile();
-                for (const auto& object : *slide->DrawObjects())
-                    (void)object->GetAllPproperties();
-            } catch (const Failure&) {
-                // a value that is not a number: the program's own failure
-            }
+            EXPECT_NO_THROW((void)slide->Duration()) << damaged.toStdString();
+            EXPECT_NO_THROW((void)slide->SoundDuration()) << damaged.toStdString();
+            EXPECT_NO_THROW((void)slide->Color()) << damaged.toStdString();
+            for (const auto& object : *slide->DrawObjects())
+                EXPECT_NO_THROW((void)object->GetAllPproperties()) << damaged.toStdString();
         }
         copy->Slides()->Add();
         if (copy->Slides()->Count() > 1)
             copy->Slides()->Remove(1);
     }
     EXPECT_GT(opened, 0);
+    EXPECT_GT(refused, 0);
+}
+
+namespace {
+// A working folder of `name` as a save leaves it, holding `files`.
+QString leftover(const Store& store, SaveWorkingFolder::Kind kind, const QString& name,
+                 const QStringList& files) {
+    const QString folder = newSaveWorkingFolder(store.folder(QString()), kind, name);
+    for (const QString& file : files)
+        store.home.write(QDir(store.home.path()).relativeFilePath(folder) + QLatin1Char('/') + file,
+                         file.toUtf8());
+    QDir().mkpath(folder);
+    return folder;
+}
+} // namespace
+
+TEST(MMSManagerTest, RecoveryClearsLeftoversAndPutsBackAMissingFolder) {
+    Store store;
+    const QString doc = QStringLiteral("message.xml");
+    const QString bmp = QStringLiteral("Slide_1.bmp");
+    store.home.write(QStringLiteral("Messages/Kept/message.xml"), "kept");
+    leftover(store, SaveWorkingFolder::Staged, QStringLiteral("Kept"), {doc});
+    leftover(store, SaveWorkingFolder::Previous, QStringLiteral("Kept"), {doc});
+    // The crash fell between the two renames: the new folder goes in.
+    leftover(store, SaveWorkingFolder::Staged, QStringLiteral("Swapped-2"), {doc, bmp});
+    leftover(store, SaveWorkingFolder::Previous, QStringLiteral("Swapped-2"), {doc});
+    // Only the previous folder is whole.
+    leftover(store, SaveWorkingFolder::Staged, QStringLiteral("Early"), {bmp});
+    leftover(store, SaveWorkingFolder::Previous, QStringLiteral("Early"), {doc, bmp});
+    // A first save that never wrote its document leaves nothing worth keeping.
+    leftover(store, SaveWorkingFolder::Staged, QStringLiteral("Never"), {bmp});
+    store.home.write(QStringLiteral("Messages/.other/file"), "not ours");
+
+    store.manager.RecoverInterruptedSaves();
+    QDir folder(store.folder(QString()));
+    EXPECT_EQ(folder.entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name),
+              (QStringList{QStringLiteral(".other"), QStringLiteral("Early"),
+                           QStringLiteral("Kept"), QStringLiteral("Swapped-2")}));
+    EXPECT_EQ(store.home.read(QStringLiteral("Messages/Kept/message.xml")), QByteArray("kept"));
+    EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral("Swapped-2/Slide_1.bmp"))));
+    EXPECT_TRUE(QFileInfo::exists(store.folder(QStringLiteral("Early/Slide_1.bmp"))));
+    ASSERT_TRUE(store.manager.OpenMsg(QStringLiteral("Early")));
+}
+
+TEST(MMSManagerTest, FolderSwapTradesTwoFoldersEitherWay) {
+    TestHome home;
+    const QString a = home.file(QStringLiteral("a"));
+    const QString b = home.file(QStringLiteral("b"));
+    const QString aside = home.file(QStringLiteral("aside"));
+    home.write(QStringLiteral("a/new"), "new");
+    home.write(QStringLiteral("b/old"), "old");
+    QString error;
+    ASSERT_TRUE(swapFolders(a, b, aside, &error)) << error.toStdString();
+    EXPECT_TRUE(QFileInfo::exists(b + QStringLiteral("/new")));
+    EXPECT_TRUE(QFileInfo::exists(a + QStringLiteral("/old")));
+    ASSERT_TRUE(swapFoldersByRenames(a, b, aside, &error)) << error.toStdString();
+    EXPECT_TRUE(QFileInfo::exists(b + QStringLiteral("/old")));
+    EXPECT_TRUE(QFileInfo::exists(a + QStringLiteral("/new")));
+    EXPECT_FALSE(QFileInfo::exists(aside));
+    // The place aside is taken: nothing moves, and the reason is given.
+    home.write(QStringLiteral("aside/taken"), "x");
+    EXPECT_FALSE(swapFoldersByRenames(a, b, aside, &error));
+    EXPECT_FALSE(error.isEmpty());
+    EXPECT_TRUE(QFileInfo::exists(b + QStringLiteral("/old")));
+    EXPECT_TRUE(QFileInfo::exists(a + QStringLiteral("/new")));
+}
+
+// The question saving and renaming ask the file system: is this name another entry's folder?
+TEST(MMSManagerTest, SameFolderIsDecidedByTheFileSystemNotByTheName) {
+    Store store;
+    store.home.write(QStringLiteral("Messages/Trip/message.xml"), "<x/>");
+    store.home.write(QStringLiteral("Messages/trip/message.xml"), "<x/>");
+    const QString trip = store.folder(QStringLiteral("Trip"));
+    const QString link = store.folder(QStringLiteral("Link"));
+    ASSERT_TRUE(QFile::link(trip, link));
+    EXPECT_TRUE(sameFileSystemEntry(link, trip)) << "the first path is followed";
+    EXPECT_FALSE(sameFileSystemEntry(trip, link)) << "the second is not";
+    EXPECT_FALSE(sameFileSystemEntry(trip, store.folder(QStringLiteral("trip"))));
+    EXPECT_FALSE(sameFileSystemEntry(trip, store.folder(QStringLiteral("none"))));
 }
