@@ -33,9 +33,6 @@ namespace {
 
 const QString kSource = QStringLiteral("clsXMLocalizer");
 
-// The collection's own failure when a key is added twice.
-constexpr int kDuplicateKey = 457;
-
 // Comments and processing instructions are kept, as the XML layer always did, so that a stray
 // comment among a form's controls is noticed rather than silently skipped.
 constexpr unsigned kParseOptions = pugi::parse_default | pugi::parse_comments | pugi::parse_pi;
@@ -363,9 +360,7 @@ struct clsXMLocalizer::Private {
 
     void addFormText(const QString& key, const QString& value) {
         if (formTexts.contains(key))
-            throw Failure(kDuplicateKey, kSource,
-                          QStringLiteral("This key is already associated with an element of "
-                                         "this collection"));
+            raiseFailure(FailureNumber::DuplicateKey, kSource);
         formTexts.insert(key, value);
     }
 
@@ -451,12 +446,10 @@ short clsXMLocalizer::GetAvaliableLanguage(std::array<QStringList, 2>& list) {
     for (const QString& entry : entries) {
         const QStringList pair = entry.split(QLatin1Char('='));
         if (pair.size() < 2)
-            throw Failure(FailureNumber::SubscriptOutOfRange, kSource,
-                          QStringLiteral("Subscript out of range"));
+            raiseFailure(FailureNumber::SubscriptOutOfRange, kSource);
         const QStringList fields = pair[1].split(QLatin1Char(','));
         if (fields.size() < 2)
-            throw Failure(FailureNumber::SubscriptOutOfRange, kSource,
-                          QStringLiteral("Subscript out of range"));
+            raiseFailure(FailureNumber::SubscriptOutOfRange, kSource);
         if (fields[1] != QLatin1String("0")) {
             list[0] << pair[0];
             list[1] << fields[0];
@@ -476,8 +469,7 @@ bool clsXMLocalizer::SetLanguage(const QString& language) {
         return false;
     const QStringList fields = record.split(QLatin1Char(','));
     if (fields.size() < 2)
-        throw Failure(FailureNumber::SubscriptOutOfRange, kSource,
-                      QStringLiteral("Subscript out of range"));
+        raiseFailure(FailureNumber::SubscriptOutOfRange, kSource);
     // A disabled language falls back to English without a word.
     d->language = fields[1] != QLatin1String("0") ? language : QStringLiteral("en-us");
     d->languageFile = d->languagePath + d->language + QStringLiteral(".xml");
@@ -495,8 +487,7 @@ bool clsXMLocalizer::IsLanguageInstalled(const QString& language) {
         return false;
     const QStringList fields = record.split(QLatin1Char(','));
     if (fields.size() < 2)
-        throw Failure(FailureNumber::SubscriptOutOfRange, kSource,
-                      QStringLiteral("Subscript out of range"));
+        raiseFailure(FailureNumber::SubscriptOutOfRange, kSource);
     return fields[1] != QLatin1String("0");
 }
 

@@ -22,11 +22,11 @@
 
 namespace {
 constexpr const char* kSource = "clsMMSManager";
-constexpr int kFileAlreadyExists = 58;
-constexpr int kPathFileAccessError = 75;
+constexpr int kFileAlreadyExists = FailureNumber::FileAlreadyExists;
+constexpr int kPathFileAccessError = FailureNumber::PathFileAccess;
 
-[[noreturn]] void fail(int number, const QString& description) {
-    throw Failure(number, QString::fromUtf8(kSource), description);
+[[noreturn]] void fail(int number, const QString& description = {}) {
+    raiseFailure(number, QString::fromUtf8(kSource), description);
 }
 
 // The date a message folder was made, as the desktop shows a date and time.
@@ -99,7 +99,7 @@ QString clsMMSManager::messageFolder(const QString& name) const {
     if (!mFileSystem)
         raiseObjectNotSet(QString::fromUtf8(kSource));
     if (mMessagePath.isEmpty())
-        fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
+        fail(FailureNumber::PathNotFound);
     // The same rule as saving: a name that is empty, hidden or reaches outside the store would
     // act on the store itself, on a working folder or on another folder.
     const QString problem = messageNameProblem(name);
@@ -116,7 +116,7 @@ std::int16_t clsMMSManager::ListMessages(QStringList& names) {
             raiseObjectNotSet(QString::fromUtf8(kSource));
         QDir store(mMessagePath);
         if (mMessagePath.isEmpty() || !store.exists())
-            fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
+            fail(FailureNumber::PathNotFound);
         // Folders whose names begin with "." are the store's own working folders.
         const QFileInfoList folders =
             store.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
@@ -182,14 +182,14 @@ bool clsMMSManager::RenameMsg(clsMessage& message, const QString& newName) {
         if (from.endsWith(QLatin1Char('/')))
             from.chop(1);
         if (!QFileInfo(from).isDir())
-            fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
+            fail(FailureNumber::PathNotFound);
         if (QFileInfo::exists(target) || QFileInfo(target).isSymLink())
-            fail(kFileAlreadyExists, QStringLiteral("File already exists"));
+            fail(kFileAlreadyExists);
         // A document without its MESSAGE element has no name to change: the folder stays.
         if (!message.hasMessageElement())
             raiseObjectNotSet(QString::fromUtf8(kSource));
         if (!QDir().rename(from, target))
-            fail(kPathFileAccessError, QStringLiteral("Path/File access error"));
+            fail(kPathFileAccessError);
         try {
             message.setName(newName);
         } catch (const Failure&) {
@@ -207,13 +207,13 @@ bool clsMMSManager::CopyMsg(const QString& fromName, const QString& toName) {
         const QString from = messageFolder(fromName);
         const QString to = messageFolder(toName);
         if (!QFileInfo(from).isDir())
-            fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
+            fail(FailureNumber::PathNotFound);
         const QFileInfoList files =
             QDir(from).entryInfoList(QDir::Files | QDir::Hidden, QDir::Name);
         if (files.isEmpty())
-            fail(FailureNumber::FileNotFound, QStringLiteral("File not found"));
+            fail(FailureNumber::FileNotFound);
         if (!QFileInfo(to).isDir() && !QDir().mkpath(to))
-            fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
+            fail(FailureNumber::PathNotFound);
         for (const QFileInfo& file : files)
             copyOver(file.filePath(), to + QLatin1Char('/') + file.fileName());
         return true;
@@ -227,7 +227,7 @@ bool clsMMSManager::DeleteMsg(const QString& name, bool askUser) {
     try {
         const QString folder = messageFolder(name);
         if (!QFileInfo(folder).isDir())
-            fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
+            fail(FailureNumber::PathNotFound);
         return moveToTrash(folder);
     } catch (const Failure& failure) {
         if (name != gUntitledName)
