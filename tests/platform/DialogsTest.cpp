@@ -1,7 +1,6 @@
-#include "platform/modDialogs.h"
+#include "support/ScriptedResponder.h"
 
-#include <QAction>
-#include <QMenu>
+#include <QColor>
 #include <gtest/gtest.h>
 
 TEST(MsgBoxStyles, ButtonSetsAndDefaults) {
@@ -18,65 +17,42 @@ TEST(MsgBoxStyles, ButtonSetsAndDefaults) {
     EXPECT_EQ(msgBoxDefaultAnswer(Vb::OKOnly | Vb::DefaultButton3), Vb::OK);
 }
 
-TEST(ScriptedResponder, AnswersFromItsQueueAndRecords) {
-    ScriptedResponder responder;
-    responder.boxAnswers = {Vb::No};
-    EXPECT_EQ(MsgBox(QStringLiteral("Save?"), 35, QStringLiteral("Title")), Vb::No);
-    EXPECT_EQ(MsgBox(QStringLiteral("Done"), 64), Vb::OK); // empty queue: default button
-    ASSERT_EQ(responder.boxes.size(), 2u);
-    EXPECT_EQ(responder.boxes[0].text, QStringLiteral("Save?"));
-    EXPECT_EQ(responder.boxes[0].style, 35);
-    EXPECT_EQ(responder.boxes[1].title, QStringLiteral("Tessaly"));
-}
-
-TEST(ScriptedResponder, RestoresThePreviousResponder) {
-    DialogResponder* before = dialogResponder();
-    {
-        ScriptedResponder outer;
-        {
-            ScriptedResponder inner;
-            EXPECT_EQ(dialogResponder(), &inner);
-        }
-        EXPECT_EQ(dialogResponder(), &outer);
-    }
-    EXPECT_EQ(dialogResponder(), before);
-}
-
-TEST(ScriptedResponder, ColoursAndFiles) {
-    ScriptedResponder responder;
-    responder.colours = {0x00FF8040, std::nullopt};
-    std::int32_t colour = 0;
-    EXPECT_TRUE(ChooseColor(nullptr, colour, 3));
-    EXPECT_EQ(colour, 0x00FF8040);
-    EXPECT_FALSE(ChooseColor(nullptr, colour, 3));
-    EXPECT_EQ(colour, 0x00FF8040) << "a cancelled dialog leaves the colour";
-
-    responder.openFiles = {QStringLiteral("/tmp/a.gif"), QString()};
-    QString file;
-    EXPECT_TRUE(GetOpenFileName(nullptr, file, {}, {}));
-    EXPECT_EQ(file, QStringLiteral("/tmp/a.gif"));
+TEST(DialogSeam, WithoutADisplayBoxesTakeTheirDefaultAndDialogsCancel) {
+    ASSERT_EQ(setDialogResponder(nullptr), nullptr);
+    EXPECT_EQ(MsgBox(QStringLiteral("Save?"), Vb::YesNoCancel | Vb::DefaultButton2), Vb::No);
+    std::int32_t colour = 0x123456;
+    EXPECT_FALSE(ChooseColor(nullptr, colour));
+    EXPECT_EQ(colour, 0x123456);
+    QString file = QStringLiteral("kept");
     EXPECT_FALSE(GetOpenFileName(nullptr, file, {}, {}));
-    EXPECT_EQ(responder.openFileRequests, 2);
+    EXPECT_EQ(file, QStringLiteral("kept"));
+    EXPECT_EQ(PopupChoice(nullptr, {}), QString());
 }
 
-TEST(ScriptedResponder, PopupChoosesOnlyEnabledItemsThatExist) {
-    ScriptedResponder responder;
-    QMenu menu;
-    menu.addAction(QStringLiteral("Open"))->setData(QStringLiteral("open"));
-    QAction* off = menu.addAction(QStringLiteral("Save"));
-    off->setData(QStringLiteral("save"));
-    off->setEnabled(false);
-    QMenu* sub = menu.addMenu(QStringLiteral("More"));
-    sub->addAction(QStringLiteral("Deep"))->setData(QStringLiteral("deep"));
+TEST(ScriptedResponder, AnswersFromItsQueuesRecordsAndRestoresThePrevious) {
+    ScriptedResponder outer;
+    {
+        ScriptedResponder responder;
+        responder.boxAnswers = {Vb::No};
+        EXPECT_EQ(MsgBox(QStringLiteral("Save?"), 35, QStringLiteral("Title")), Vb::No);
+        EXPECT_EQ(MsgBox(QStringLiteral("Done"), 64), Vb::OK); // empty queue: default button
+        ASSERT_EQ(responder.boxes.size(), 2u);
+        EXPECT_EQ(responder.boxes[0].style, 35);
+        EXPECT_EQ(responder.boxes[1].title, QStringLiteral("Tessaly"));
 
-    responder.popupKeys = {QStringLiteral("deep"), QStringLiteral("save"), QStringLiteral("none")};
-    EXPECT_EQ(PopupChoice(&menu, {}), QStringLiteral("deep"));
-    EXPECT_EQ(PopupChoice(&menu, {}), QString());
-    EXPECT_EQ(PopupChoice(&menu, {}), QString());
-    ASSERT_EQ(responder.popups.size(), 3u);
-    EXPECT_EQ(responder.popups[0].keys, (QStringList{QStringLiteral("open"), QStringLiteral("save"),
-                                                     QStringLiteral("deep")}));
-    EXPECT_EQ(responder.popups[0].disabled, QStringList{QStringLiteral("save")});
+        responder.colours = {0x00FF8040, std::nullopt};
+        std::int32_t colour = 0;
+        EXPECT_TRUE(ChooseColor(nullptr, colour, 3));
+        EXPECT_FALSE(ChooseColor(nullptr, colour, 3));
+        EXPECT_EQ(colour, 0x00FF8040) << "a cancelled dialog leaves the colour";
+        responder.openFiles = {QStringLiteral("/tmp/a.gif"), QString()};
+        QString file;
+        EXPECT_TRUE(GetOpenFileName(nullptr, file, {}, {}));
+        EXPECT_FALSE(GetOpenFileName(nullptr, file, {}, {}));
+        EXPECT_EQ(file, QStringLiteral("/tmp/a.gif"));
+        EXPECT_EQ(responder.openFileRequests, 2);
+    }
+    EXPECT_EQ(dialogResponder(), &outer);
 }
 
 TEST(Colours, StoredRedInTheLowByte) {

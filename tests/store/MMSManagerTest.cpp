@@ -2,9 +2,9 @@
 #include "config/modConfig.h"
 #include "document/clsMessage.h"
 #include "platform/Failure.h"
-#include "platform/modDialogs.h"
 #include "platform/modShared.h"
 #include "store/clsMMSManager.h"
+#include "support/ScriptedResponder.h"
 #include "support/TestHome.h"
 
 #include <QDir>
