@@ -1,4 +1,5 @@
 #include "app/frmMain.h"
+#include "controls/modTranslate.h"
 #include "ui_frmMain.h"
 
 #include "app/modMain.h"
@@ -432,7 +433,7 @@ void frmMain::TranslateForm() {
     const QString phone = ui->lblPhoneConnected->text();
 
     if (gLocalizer())
-        gLocalizer()->TranslateForm(this);
+        ::TranslateForm(this);
     ui->ctlMainMenu1->EnableTemplates(
         pref(QStringLiteral("TemplateLoadSave"), QStringLiteral("0")) == QLatin1String("1"));
     if (gLocalizer()) {

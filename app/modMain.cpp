@@ -8,6 +8,7 @@
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
 #include "config/modLanguage.h"
+#include "controls/QtDialogResponder.h"
 #include "controls/frmSplash.h"
 #include "platform/AppPaths.h"
 #include "platform/Failure.h"
@@ -207,6 +208,7 @@ void runStartup(TessalyApplication& app, SharedConfig& shared) {
 
 int Main(int argc, char** argv) {
     TessalyApplication app(argc, argv);
+    const QtDialogResponder dialogs; // boxes and dialogs show from here on
 
     // A second start brings the first one forward and leaves without a word.
     SingleInstance instance(SingleInstance::defaultKey());

@@ -1,4 +1,5 @@
 #include "browse/frmMessageList.h"
+#include "controls/modTranslate.h"
 #include "ui_frmMessageList.h"
 
 #include "config/clsXMLocalizer.h"
@@ -154,7 +155,7 @@ void frmMessageList::DoTabs(QListWidget* list, const QList<int>& tabs) {
 
 void frmMessageList::TranslateForm() {
     if (gLocalizer())
-        gLocalizer()->TranslateForm(this);
+        ::TranslateForm(this);
 }
 
 QString frmMessageList::firstField(const QString& entry) {

@@ -6,24 +6,7 @@
 #include "platform/modLocale.h"
 #include "platform/modText.h"
 
-#include <QAbstractScrollArea>
-#include <QAbstractSpinBox>
-#include <QAction>
-#include <QCheckBox>
-#include <QComboBox>
 #include <QFile>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QScrollArea>
-#include <QScrollBar>
-#include <QSet>
-#include <QTabBar>
-#include <QToolButton>
-#include <QWidget>
 #include <pugixml.hpp>
 
 #include <string_view>
@@ -32,9 +15,6 @@
 namespace {
 
 const QString kSource = QStringLiteral("clsXMLocalizer");
-
-// The collection's own failure when a key is added twice.
-constexpr int kDuplicateKey = 457;
 
 // Comments and processing instructions are kept, as the XML layer always did, so that a stray
 // comment among a form's controls is noticed rather than silently skipped.
@@ -155,158 +135,6 @@ const FontRule& fontRule(int codePage) {
     return kOtherCodePage;
 }
 
-// The class name of an object without its namespace.
-QString classNameOf(const QObject* object) {
-    const QString name = QString::fromLatin1(object->metaObject()->className());
-    return name.mid(name.lastIndexOf(QLatin1Char(':')) + 1);
-}
-
-bool isSkinnedButton(const QObject* object) {
-    return object->inherits("GrButtonIII") || classNameOf(object) == QLatin1String("GrButtonIII");
-}
-
-// Windows and custom controls inside a window translate themselves.
-bool isWindowOrControlClass(const QObject* object) {
-    const QString name = classNameOf(object);
-    return name.startsWith(QLatin1String("frm")) || name.startsWith(QLatin1String("ctl"));
-}
-
-// Whether the walk over a window's controls stops at this widget: other windows and custom
-// controls do their own translation, and the parts of the toolkit's compound widgets (the
-// scroll buttons of a tab bar, the editor of a spin box) are not controls of the window.
-bool walkStopsAt(const QWidget* widget) {
-    if (isWindowOrControlClass(widget) || isSkinnedButton(widget))
-        return true;
-    if (widget->isWindow() && !qobject_cast<const QMenu*>(widget))
-        return true;
-    if (qobject_cast<const QTabBar*>(widget) || qobject_cast<const QComboBox*>(widget) ||
-        qobject_cast<const QAbstractSpinBox*>(widget) || qobject_cast<const QLineEdit*>(widget) ||
-        qobject_cast<const QScrollBar*>(widget))
-        return true;
-    if (qobject_cast<const QAbstractScrollArea*>(widget) &&
-        !qobject_cast<const QScrollArea*>(widget))
-        return true;
-    return false;
-}
-
-bool isNamedControl(const QObject* object) {
-    const QString name = object->objectName();
-    return !name.isEmpty() && !name.startsWith(QLatin1String("qt_"));
-}
-
-void addControl(QObject* object, QList<QObject*>& out, QSet<QObject*>& seen) {
-    if (seen.contains(object))
-        return;
-    seen.insert(object);
-    out << object;
-}
-
-// A widget that another window lends to this one (the preview player docked into the main
-// window) carries the name of its own window in the dynamic property "ownerForm"; it and its
-// children are not controls of the window it sits in.
-bool isLentByAnotherForm(const QWidget* widget, const QString& formName) {
-    const QString owner = widget->property("ownerForm").toString();
-    return !owner.isEmpty() && owner != formName;
-}
-
-// The controls of a window: its children and their children, the actions of its menus, and its
-// own actions, each once, in creation order.
-void collectControls(QObject* parent, const QString& formName, QList<QObject*>& out,
-                     QSet<QObject*>& seen) {
-    for (QObject* child : parent->children()) {
-        if (seen.contains(child))
-            continue;
-        auto* widget = qobject_cast<QWidget*>(child);
-        if (widget && isLentByAnotherForm(widget, formName))
-            continue;
-        addControl(child, out, seen);
-        if (widget) {
-            if (walkStopsAt(widget))
-                continue;
-            for (QAction* action : widget->actions())
-                addControl(action, out, seen);
-        }
-        collectControls(child, formName, out, seen);
-    }
-}
-
-// The name of a window or custom control in the language files: the window that lent it, its
-// class name when that is one of the program's window or control classes, else its objectName.
-QString formNameOf(const QWidget* form) {
-    const QString owner = form->property("ownerForm").toString();
-    if (!owner.isEmpty())
-        return owner;
-    return isWindowOrControlClass(form) ? classNameOf(form) : form->objectName();
-}
-
-QList<QObject*> controlsOf(QWidget* form) {
-    QList<QObject*> out;
-    QSet<QObject*> seen{form};
-    for (QAction* action : form->actions())
-        addControl(action, out, seen);
-    collectControls(form, formNameOf(form), out, seen);
-    return out;
-}
-
-// The control kinds that take a caption: the control type names of the language files.
-enum class Kind { None, Menu, CommandButton, Frame, Label, CheckBox, OptionButton, GrButtonIII };
-
-Kind kindOf(const QObject* object) {
-    if (isSkinnedButton(object))
-        return Kind::GrButtonIII;
-    if (qobject_cast<const QMenu*>(object) || qobject_cast<const QAction*>(object))
-        return Kind::Menu;
-    if (qobject_cast<const QPushButton*>(object) || qobject_cast<const QToolButton*>(object))
-        return Kind::CommandButton;
-    if (qobject_cast<const QGroupBox*>(object))
-        return Kind::Frame;
-    if (const auto* label = qobject_cast<const QLabel*>(object)) {
-        // A label that shows a picture is a picture box here, not a caption.
-        if (!label->pixmap().isNull() || label->movie() || !label->picture().isNull())
-            return Kind::None;
-        return Kind::Label;
-    }
-    if (qobject_cast<const QCheckBox*>(object))
-        return Kind::CheckBox;
-    if (qobject_cast<const QRadioButton*>(object))
-        return Kind::OptionButton;
-    return Kind::None;
-}
-
-void setCaption(QObject* object, Kind kind, const QString& caption) {
-    switch (kind) {
-    case Kind::GrButtonIII:
-        object->setProperty("text", caption);
-        break;
-    case Kind::Menu:
-        if (auto* menu = qobject_cast<QMenu*>(object))
-            menu->setTitle(caption);
-        else if (auto* action = qobject_cast<QAction*>(object))
-            action->setText(caption);
-        break;
-    case Kind::CommandButton:
-    case Kind::CheckBox:
-    case Kind::OptionButton:
-        static_cast<QAbstractButton*>(object)->setText(caption);
-        break;
-    case Kind::Frame:
-        static_cast<QGroupBox*>(object)->setTitle(caption);
-        break;
-    case Kind::Label:
-        static_cast<QLabel*>(object)->setText(caption);
-        break;
-    case Kind::None:
-        break;
-    }
-}
-
-void setToolTipOf(QObject* object, const QString& tip) {
-    if (auto* widget = qobject_cast<QWidget*>(object))
-        widget->setToolTip(tip);
-    else if (auto* action = qobject_cast<QAction*>(object))
-        action->setToolTip(tip);
-}
-
 // The localiser whose look-up lower layers use through localText().
 clsXMLocalizer* gInstalledLookup = nullptr;
 
@@ -363,9 +191,7 @@ struct clsXMLocalizer::Private {
 
     void addFormText(const QString& key, const QString& value) {
         if (formTexts.contains(key))
-            throw Failure(kDuplicateKey, kSource,
-                          QStringLiteral("This key is already associated with an element of "
-                                         "this collection"));
+            raiseFailure(FailureNumber::DuplicateKey, kSource);
         formTexts.insert(key, value);
     }
 
@@ -402,27 +228,6 @@ struct clsXMLocalizer::Private {
             }
         }
     }
-
-    void setFormFonts(clsXMLocalizer& owner, QWidget* form) const {
-        const int locale = currentThreadLocale();
-        if (isEnglishLocale(locale))
-            return;
-        const int codePage = owner.GetCodePage(locale);
-        QFont windowFont = form->font();
-        windowFont.setFamily(QString());
-        form->setFont(windowFont);
-        for (QObject* control : controlsOf(form)) {
-            if (auto* widget = qobject_cast<QWidget*>(control)) {
-                QFont font = widget->font();
-                owner.SetProperFont(font, codePage);
-                widget->setFont(font);
-            } else if (auto* action = qobject_cast<QAction*>(control)) {
-                QFont font = action->font();
-                owner.SetProperFont(font, codePage);
-                action->setFont(font);
-            }
-        }
-    }
 };
 
 clsXMLocalizer::clsXMLocalizer(clsPropertiesXML& properties) : d(new Private(properties)) {
@@ -451,12 +256,10 @@ short clsXMLocalizer::GetAvaliableLanguage(std::array<QStringList, 2>& list) {
     for (const QString& entry : entries) {
         const QStringList pair = entry.split(QLatin1Char('='));
         if (pair.size() < 2)
-            throw Failure(FailureNumber::SubscriptOutOfRange, kSource,
-                          QStringLiteral("Subscript out of range"));
+            raiseFailure(FailureNumber::SubscriptOutOfRange, kSource);
         const QStringList fields = pair[1].split(QLatin1Char(','));
         if (fields.size() < 2)
-            throw Failure(FailureNumber::SubscriptOutOfRange, kSource,
-                          QStringLiteral("Subscript out of range"));
+            raiseFailure(FailureNumber::SubscriptOutOfRange, kSource);
         if (fields[1] != QLatin1String("0")) {
             list[0] << pair[0];
             list[1] << fields[0];
@@ -476,8 +279,7 @@ bool clsXMLocalizer::SetLanguage(const QString& language) {
         return false;
     const QStringList fields = record.split(QLatin1Char(','));
     if (fields.size() < 2)
-        throw Failure(FailureNumber::SubscriptOutOfRange, kSource,
-                      QStringLiteral("Subscript out of range"));
+        raiseFailure(FailureNumber::SubscriptOutOfRange, kSource);
     // A disabled language falls back to English without a word.
     d->language = fields[1] != QLatin1String("0") ? language : QStringLiteral("en-us");
     d->languageFile = d->languagePath + d->language + QStringLiteral(".xml");
@@ -495,48 +297,12 @@ bool clsXMLocalizer::IsLanguageInstalled(const QString& language) {
         return false;
     const QStringList fields = record.split(QLatin1Char(','));
     if (fields.size() < 2)
-        throw Failure(FailureNumber::SubscriptOutOfRange, kSource,
-                      QStringLiteral("Subscript out of range"));
+        raiseFailure(FailureNumber::SubscriptOutOfRange, kSource);
     return fields[1] != QLatin1String("0");
 }
 
 QString clsXMLocalizer::GetLangPath() const {
     return d->languagePath;
-}
-
-bool clsXMLocalizer::TranslateForm(QWidget* form) {
-    if (!form)
-        return false;
-    QList<QObject*> controls;
-    QString formName;
-    try {
-        d->setFormFonts(*this, form);
-        formName = formNameOf(form);
-        form->setWindowTitle(GetFormText(formName + QStringLiteral("_caption")));
-        controls = controlsOf(form);
-    } catch (...) {
-        return false;
-    }
-
-    for (QObject* control : controls) {
-        try {
-            const Kind kind = kindOf(control);
-            if (kind == Kind::None || !isNamedControl(control))
-                continue;
-            const QVariant indexValue = control->property("index");
-            const QString index =
-                indexValue.isValid() ? QString::number(indexValue.toInt()) : QString();
-            const QString stem = formName + QLatin1Char('_') + control->objectName() +
-                                 QLatin1Char('_') + index + QLatin1Char('_');
-            setCaption(control, kind, GetFormText(stem + QStringLiteral("caption")));
-            const QString tip = GetFormText(stem + QStringLiteral("text"));
-            if (!tip.isEmpty())
-                setToolTipOf(control, tip);
-        } catch (...) {
-            // One control that cannot take its text does not stop the others.
-        }
-    }
-    return true;
 }
 
 QString clsXMLocalizer::GetString(const QString& key) const {
@@ -554,20 +320,6 @@ QString clsXMLocalizer::GetStringPar(const QString& key, const QStringList& para
     for (qsizetype i = 0; i < params.size(); ++i)
         text.replace(QLatin1Char('%') + QString::number(i), params[i]);
     return text;
-}
-
-void clsXMLocalizer::ChangeCharSetUsrCtrl(const QList<QWidget*>& controls) {
-    const int locale = d->currentThreadLocale();
-    if (isEnglishLocale(locale))
-        return;
-    const int codePage = GetCodePage(locale);
-    for (QWidget* control : controls) {
-        if (!control)
-            continue;
-        QFont font = control->font();
-        SetProperFont(font, codePage);
-        control->setFont(font);
-    }
 }
 
 void clsXMLocalizer::SetProperFont(QFont& font, int codePage) {
@@ -682,6 +434,10 @@ int clsXMLocalizer::GetCodePage(int locale) const {
         // Locales without an ANSI code page (Hindi and the like) and unknown ones.
         return 0;
     }
+}
+
+bool clsXMLocalizer::IsEnglishLocale(int locale) {
+    return isEnglishLocale(locale);
 }
 
 int clsXMLocalizer::CharSetOfCodePage(int codePage) {

@@ -7,7 +7,6 @@
 #include <QStringList>
 #include <array>
 
-class QWidget;
 class clsPropertiesXML;
 
 // Gives every window and message its text in the chosen language. A language file
@@ -27,17 +26,8 @@ public:
     bool SetLanguage(const QString& language);
     bool IsLanguageInstalled(const QString& language);
     QString GetLangPath() const;
-    // Sets the title, captions and tool tips of a window or custom control from the form table.
-    // The form's name is its class name when that is a window or control class ("frmMain",
-    // "ctlMainMenu"), else its objectName. Controls are its children by objectName; a control
-    // array's index is the dynamic property "index". Embedded windows and custom controls are
-    // left to their own translation, and so is a piece that another window lends (a widget with
-    // the dynamic property "ownerForm" naming that window; translating the piece itself uses
-    // that name).
-    bool TranslateForm(QWidget* form);
     QString GetString(const QString& key) const;
     QString GetStringPar(const QString& key, const QStringList& params) const;
-    void ChangeCharSetUsrCtrl(const QList<QWidget*>& controls);
     void SetProperFont(QFont& font, int codePage);
     int GetCodePage(int locale) const;
 
@@ -54,7 +44,11 @@ public:
     void SetThreadLocale(int lcid);
     int ThreadLocale() const;
 
-    // The text of a form-table key, empty when the key is missing.
+    // Whether windows keep their fonts under this locale (the English ones do).
+    static bool IsEnglishLocale(int locale);
+
+    // The text of a form-table key, empty when the key is missing. The walk over a window that
+    // sets its texts from this table is TranslateForm of controls/modTranslate.h.
     QString GetFormText(const QString& key) const;
 
 private:

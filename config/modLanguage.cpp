@@ -25,8 +25,7 @@ bool isLanguageAvailable(clsPropertiesXML& properties, const QString& code) {
         return false;
     const QStringList fields = record.split(QLatin1Char(','));
     if (fields.size() < 2)
-        throw Failure(FailureNumber::SubscriptOutOfRange, QStringLiteral("isLanguageAvailable"),
-                      QStringLiteral("Subscript out of range"));
+        raiseFailure(FailureNumber::SubscriptOutOfRange, QStringLiteral("isLanguageAvailable"));
     if (fields[1] == QLatin1String("0"))
         return false;
     QString path = languageFolder(properties);

@@ -2,6 +2,7 @@
 
 #include "config/clsXMLocalizer.h"
 #include "controls/modSkin.h"
+#include "controls/modTranslate.h"
 #include "platform/modText.h"
 
 #include <QApplication>
@@ -92,7 +93,7 @@ ctlMainMenu::~ctlMainMenu() {
 
 void ctlMainMenu::TranslateControl(clsXMLocalizer* localizer) {
     if (localizer)
-        localizer->ChangeCharSetUsrCtrl({mLabels.begin(), mLabels.end()});
+        ChangeCharSetUsrCtrl(*localizer, {mLabels.begin(), mLabels.end()});
     for (int i = 0; i < kMenuCount; ++i) {
         mLabels[i]->setText(textOf(localizer, kMenuKeys[i]));
         mLabels[i]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);

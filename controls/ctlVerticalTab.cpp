@@ -2,6 +2,7 @@
 
 #include "config/clsXMLocalizer.h"
 #include "controls/modSkin.h"
+#include "controls/modTranslate.h"
 #include "platform/modText.h"
 
 #include <QLabel>
@@ -118,7 +119,7 @@ void ctlVerticalTab::TranslateControl(clsXMLocalizer* localizer) {
         QList<QWidget*> children;
         for (QWidget* child : findChildren<QWidget*>())
             children << child;
-        localizer->ChangeCharSetUsrCtrl(children);
+        ChangeCharSetUsrCtrl(*localizer, children);
     }
     for (int i = 0; i < kTabCount; ++i) {
         const QString key = QString::fromLatin1(kTooltipKeys[i]);

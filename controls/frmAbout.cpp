@@ -6,6 +6,7 @@
 #include "controls/clsWindowShrink.h"
 #include "controls/modSkin.h"
 #include "controls/modTitleBar.h"
+#include "controls/modTranslate.h"
 #include "platform/modDialogs.h"
 #include "platform/modText.h"
 #include "ui_frmAbout.h"
@@ -55,7 +56,7 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui::f
 
     // Form_Load
     if (gLocalizer())
-        gLocalizer()->TranslateForm(this);
+        ::TranslateForm(this);
     ui->lblVersion->setText(AppVersionText());
     ui->lblTitle->setText(gLocalizer() ? gLocalizer()->GetString(QStringLiteral("APP_PRODUCTNAME"))
                                        : AppProductName());

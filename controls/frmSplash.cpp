@@ -5,6 +5,7 @@
 #include "controls/clsWindowShrink.h"
 #include "controls/modSkin.h"
 #include "controls/modTitleBar.h"
+#include "controls/modTranslate.h"
 #include "platform/modShared.h"
 #include "ui_frmSplash.h"
 
@@ -101,7 +102,7 @@ bool frmSplash::Shrinking() const {
 
 void frmSplash::TranslateForm() {
     if (gLocalizer())
-        gLocalizer()->TranslateForm(this);
+        ::TranslateForm(this);
     ui->lblVersion->setText(AppVersionText());
 }
 

@@ -85,15 +85,13 @@ void clsDrawObjects::Clear() {
 
 std::shared_ptr<clsDrawObject> clsDrawObjects::Item(int index) const {
     if (index < 1 || index > Count())
-        throw Failure(FailureNumber::SubscriptOutOfRange, QString::fromUtf8(kSource),
-                      QStringLiteral("Subscript out of range"));
+        raiseFailure(FailureNumber::SubscriptOutOfRange, QString::fromUtf8(kSource));
     return mObjects[static_cast<size_t>(index - 1)];
 }
 
 void clsDrawObjects::Remove(int index) {
     if (index < 1 || index > Count())
-        throw Failure(FailureNumber::SubscriptOutOfRange, QString::fromUtf8(kSource),
-                      QStringLiteral("Subscript out of range"));
+        raiseFailure(FailureNumber::SubscriptOutOfRange, QString::fromUtf8(kSource));
     mObjects.erase(mObjects.begin() + (index - 1));
 }
 

@@ -13,8 +13,8 @@
 
 namespace {
 constexpr const char* kSource = "clsMessage";
-constexpr int kPathFileAccessError = 75;
-constexpr int kFileAlreadyExists = 58;
+constexpr int kPathFileAccessError = FailureNumber::PathFileAccess;
+constexpr int kFileAlreadyExists = FailureNumber::FileAlreadyExists;
 
 // A new message document; the line ends are carriage return and line feed.
 constexpr const char* kTemplate = "<ROOT>\r\n"
@@ -23,8 +23,8 @@ constexpr const char* kTemplate = "<ROOT>\r\n"
                                   "</HEADER>\r\n"
                                   "</ROOT>";
 
-[[noreturn]] void fail(int number, const QString& description) {
-    throw Failure(number, QString::fromUtf8(kSource), description);
+[[noreturn]] void fail(int number, const QString& description = {}) {
+    raiseFailure(number, QString::fromUtf8(kSource), description);
 }
 
 QString normalisedRoot(const QString& rootPath) {
@@ -298,7 +298,7 @@ void clsMessage::saveFolder() {
 
 QString clsMessage::checkedSaveTarget() const {
     if (mRootPath.isEmpty())
-        fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
+        fail(FailureNumber::PathNotFound);
     const QString problem = messageNameProblem(mName);
     if (!problem.isEmpty())
         fail(kPathFileAccessError, problem);

@@ -51,8 +51,7 @@ void clsSlides::Remove(int index) {
     if (Count() <= 0)
         return;
     if (index < 1 || index > Count())
-        throw Failure(FailureNumber::SubscriptOutOfRange, QString::fromUtf8(kSource),
-                      QStringLiteral("Subscript out of range"));
+        raiseFailure(FailureNumber::SubscriptOutOfRange, QString::fromUtf8(kSource));
     std::shared_ptr<clsSlide> slide = mSlides[static_cast<size_t>(index - 1)];
     slide->detach();
     mSlides.erase(mSlides.begin() + (index - 1));

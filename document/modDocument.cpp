@@ -37,22 +37,19 @@ double parseNumber(const QString& text, bool emptyIsZero, const char* source) {
     if (trimmed.isEmpty()) {
         if (emptyIsZero)
             return 0;
-        throw Failure(DocumentFailure::TypeMismatch, QString::fromUtf8(source),
-                      QStringLiteral("Type mismatch"));
+        raiseFailure(FailureNumber::TypeMismatch, QString::fromUtf8(source));
     }
     bool ok = false;
     const double value = trimmed.toDouble(&ok);
     if (!ok || !std::isfinite(value))
-        throw Failure(DocumentFailure::TypeMismatch, QString::fromUtf8(source),
-                      QStringLiteral("Type mismatch"));
+        raiseFailure(FailureNumber::TypeMismatch, QString::fromUtf8(source));
     return std::nearbyint(value); // the default rounding mode rounds halves to even
 }
 
 template <typename T> T checkedRange(double value, const char* source) {
     if (value < static_cast<double>(std::numeric_limits<T>::min()) ||
         value > static_cast<double>(std::numeric_limits<T>::max()))
-        throw Failure(DocumentFailure::Overflow, QString::fromUtf8(source),
-                      QStringLiteral("Overflow"));
+        raiseFailure(FailureNumber::Overflow, QString::fromUtf8(source));
     return static_cast<T>(value);
 }
 } // namespace

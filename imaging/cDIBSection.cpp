@@ -42,8 +42,7 @@ Span clipCopy(int sourceLeft, int sourceTop, int sourceW, int sourceH, int targe
 
 void checkRasterOp(std::uint32_t rasterOp) {
     if (rasterOp != SRCCOPY)
-        throw Failure(FailureNumber::InvalidProcedureCall, QStringLiteral("cDIBSection"),
-                      QStringLiteral("Invalid procedure call or argument"));
+        raiseFailure(FailureNumber::InvalidProcedureCall, QStringLiteral("cDIBSection"));
 }
 
 } // namespace

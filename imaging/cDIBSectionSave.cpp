@@ -63,7 +63,7 @@ void writeOver(const QString& path, const std::vector<std::uint8_t>& bytes) {
     const QByteArray name = QFile::encodeName(path);
     const int fd = ::open(name.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
     if (fd < 0)
-        throw Failure(75, kGifSource, QStringLiteral("Path/File access error"));
+        raiseFailure(FailureNumber::PathFileAccess, kGifSource);
     std::size_t done = 0;
     while (done < bytes.size()) {
         const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
@@ -71,12 +71,12 @@ void writeOver(const QString& path, const std::vector<std::uint8_t>& bytes) {
             continue;
         if (n <= 0) {
             ::close(fd);
-            throw Failure(61, kGifSource, QStringLiteral("Disk full"));
+            raiseFailure(FailureNumber::DiskFull, kGifSource);
         }
         done += std::size_t(n);
     }
     if (::close(fd) != 0)
-        throw Failure(61, kGifSource, QStringLiteral("Disk full"));
+        raiseFailure(FailureNumber::DiskFull, kGifSource);
 }
 
 } // namespace
@@ -190,7 +190,7 @@ bool cDIBSectionSave::Save(const QImage& picture, const QString& pictureName,
                               QStringLiteral("Blit to our status PictureBox failed"));
         }
     } catch (const std::bad_alloc&) {
-        throw Failure(7, kSaveSource, QStringLiteral("Out of memory"));
+        raiseFailure(FailureNumber::OutOfMemory, kSaveSource);
     }
     return true;
 }
@@ -214,7 +214,7 @@ bool cDIBSectionSave::PictureBoxToGif(const IndexedBitmap& bitmap, const QString
             QTemporaryFile temporary(QDir::tempPath() + QStringLiteral("/GIFXXXXXX.tmp"));
             temporary.setAutoRemove(false);
             if (!temporary.open())
-                throw Failure(75, kGifSource, QStringLiteral("Path/File access error"));
+                raiseFailure(FailureNumber::PathFileAccess, kGifSource);
             name = temporary.fileName();
         }
         writeOver(name, out);
@@ -260,7 +260,7 @@ void cDIBSectionSave::writeStream(std::vector<std::uint8_t>& out, const IndexedB
     const int screenWidth = wantWidth > imageWidth ? wantWidth : imageWidth;
     const int screenHeight = wantHeight > imageHeight ? wantHeight : imageHeight;
     if (screenWidth > 32767 || screenHeight > 32767)
-        throw Failure(6, kGifSource, QStringLiteral("Overflow"));
+        raiseFailure(FailureNumber::Overflow, kGifSource);
     const std::size_t rowNeed = std::size_t((imageWidth + pixelsPerByte - 1) / pixelsPerByte);
     if (std::size_t(imageHeight - 1) * std::size_t(rowBytes) + rowNeed > bitmap.bits.size())
         throw Failure(kErrLoadBits, kGifSource, {});

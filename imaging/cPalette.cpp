@@ -17,8 +17,7 @@ constexpr int kCellsPerChannel = 256 >> kCellShift;
 constexpr int kCellCount = kCellsPerChannel * kCellsPerChannel * kCellsPerChannel;
 
 [[noreturn]] void raiseSubscript() {
-    throw Failure(FailureNumber::SubscriptOutOfRange, QStringLiteral("cPalette"),
-                  QStringLiteral("Subscript out of range"));
+    raiseFailure(FailureNumber::SubscriptOutOfRange, QStringLiteral("cPalette"));
 }
 
 // min / 2 + max / 2 rounded to the nearest integer, ties to even.
@@ -33,10 +32,10 @@ inline int midpoint(int min, int max) {
 // A quotient rounded to the nearest integer, ties to even.
 inline std::uint8_t roundedAverage(std::int32_t sum, std::int32_t count) {
     if (count == 0)
-        throw Failure(11, QStringLiteral("cPalette"), QStringLiteral("Division by zero"));
+        raiseFailure(FailureNumber::DivisionByZero, QStringLiteral("cPalette"));
     const double value = std::nearbyint(double(sum) / double(count));
     if (value < 0 || value > 255)
-        throw Failure(6, QStringLiteral("cPalette"), QStringLiteral("Overflow"));
+        raiseFailure(FailureNumber::Overflow, QStringLiteral("cPalette"));
     return std::uint8_t(value);
 }
 
@@ -395,7 +394,7 @@ void cPalette::CreateOptimal(cDIBSection& source, cDIBSectionSave* status, int m
     const int scan = source.BytesPerScanLine();
     const std::uint8_t* bits = source.DIBSectionBitsPtr();
     if (depth < 0 || depth > 255)
-        throw Failure(6, QStringLiteral("cPalette"), QStringLiteral("Overflow"));
+        raiseFailure(FailureNumber::Overflow, QStringLiteral("cPalette"));
     treeDepth = std::uint8_t(depth);
     if (status)
         status->setLineTotal(height);
@@ -445,8 +444,7 @@ void cPalette::ApplyPalette(cDIBSection& source, cDIBSection& destination, cDIBS
     if (!in || !out)
         return;
     if (source.Width() != width || source.Height() != height)
-        throw Failure(FailureNumber::SubscriptOutOfRange, QStringLiteral("cPalette"),
-                      QStringLiteral("Subscript out of range"));
+        raiseFailure(FailureNumber::SubscriptOutOfRange, QStringLiteral("cPalette"));
 
     if (indices)
         indices->assign(std::size_t(width) * std::size_t(height), 0);

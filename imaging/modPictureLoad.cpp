@@ -15,8 +15,8 @@ QImage LoadPicture(const QString& path) {
     QImage picture = reader.read();
     if (picture.isNull()) {
         if (!QFileInfo(path).isFile())
-            throw Failure(FailureNumber::FileNotFound, source, QStringLiteral("File not found"));
-        throw Failure(481, source, QStringLiteral("Invalid picture"));
+            raiseFailure(FailureNumber::FileNotFound, source);
+        raiseFailure(FailureNumber::InvalidPicture, source);
     }
     return picture;
 }

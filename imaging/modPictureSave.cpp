@@ -19,10 +19,10 @@ void putLe(std::uint8_t* at, std::uint32_t value, int bytes) {
 void SavePicture(const QImage& picture, const QString& path) {
     const QString source = QStringLiteral("SavePicture");
     if (picture.isNull())
-        throw Failure(380, source, QStringLiteral("Invalid property value"));
+        raiseFailure(FailureNumber::InvalidPropertyValue, source);
     cDIBSection pixels;
     if (!pixels.fromQImage(picture))
-        throw Failure(7, source, QStringLiteral("Out of memory"));
+        raiseFailure(FailureNumber::OutOfMemory, source);
     const std::uint32_t imageSize = pixels.Header().biSizeImage;
     std::uint8_t header[54] = {'B', 'M'};
     putLe(header + 2, 54 + imageSize, 4);
@@ -35,11 +35,11 @@ void SavePicture(const QImage& picture, const QString& path) {
     putLe(header + 34, imageSize, 4);
     FILE* f = std::fopen(QFile::encodeName(path).constData(), "wb");
     if (!f)
-        throw Failure(75, source, QStringLiteral("Path/File access error"));
+        raiseFailure(FailureNumber::PathFileAccess, source);
     const bool written = std::fwrite(header, 1, sizeof header, f) == sizeof header &&
                          std::fwrite(pixels.DIBSectionBitsPtr(), 1, imageSize, f) == imageSize;
     if (std::fclose(f) != 0 || !written)
-        throw Failure(61, source, QStringLiteral("Disk full"));
+        raiseFailure(FailureNumber::DiskFull, source);
 }
 
 bool SavePictureBoxImage(const QString& filePath, const QImage& picture, int kind) {

@@ -2,123 +2,29 @@
 
 #include "platform/modShared.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QColor>
-#include <QColorDialog>
-#include <QFileDialog>
-#include <QMenu>
-#include <QMessageBox>
-#include <QPushButton>
+#include <algorithm>
+#include <utility>
 
 namespace {
 
-QMessageBox::StandardButton standardButton(int answer) {
-    switch (answer) {
-    case Vb::OK:
-        return QMessageBox::Ok;
-    case Vb::Cancel:
-        return QMessageBox::Cancel;
-    case Vb::Abort:
-        return QMessageBox::Abort;
-    case Vb::Retry:
-        return QMessageBox::Retry;
-    case Vb::Ignore:
-        return QMessageBox::Ignore;
-    case Vb::Yes:
-        return QMessageBox::Yes;
-    case Vb::No:
-        return QMessageBox::No;
-    default:
-        return QMessageBox::NoButton;
-    }
-}
-
-QMessageBox::Icon boxIcon(int style) {
-    switch (style & 0x70) {
-    case Vb::Critical:
-        return QMessageBox::Critical;
-    case Vb::Question:
-        return QMessageBox::Question;
-    case Vb::Exclamation:
-        return QMessageBox::Warning;
-    case Vb::Information:
-        return QMessageBox::Information;
-    default:
-        return QMessageBox::NoIcon;
-    }
-}
-
-void collectItems(const QMenu* menu, ScriptedResponder::Popup& popup) {
-    for (QAction* action : menu->actions()) {
-        if (action->isSeparator())
-            continue;
-        if (action->menu()) {
-            collectItems(action->menu(), popup);
-            continue;
-        }
-        const QString key = action->data().toString();
-        popup.keys << key;
-        popup.captions << action->text();
-        if (!action->isEnabled())
-            popup.disabled << key;
-        if (action->isChecked())
-            popup.checked << key;
-    }
-}
-
-class QtDialogs final : public DialogResponder {
+// The answerer without a display.
+class DefaultAnswers final : public DialogResponder {
 public:
-    int msgBox(const QString& text, int style, const QString& title) override {
-        QMessageBox box(boxIcon(style), title, text, QMessageBox::NoButton,
-                        QApplication::activeWindow());
-        const std::vector<int> answers = msgBoxButtons(style);
-        for (int answer : answers)
-            box.addButton(standardButton(answer));
-        box.setDefaultButton(standardButton(msgBoxDefaultAnswer(style)));
-        if (std::find(answers.begin(), answers.end(), int(Vb::Cancel)) != answers.end())
-            box.setEscapeButton(standardButton(Vb::Cancel));
-        else if (answers.size() == 1)
-            box.setEscapeButton(standardButton(answers.front()));
-        box.exec();
-        const auto clicked = box.standardButton(box.clickedButton());
-        for (int answer : answers)
-            if (standardButton(answer) == clicked)
-                return answer;
-        return answers.size() == 1 ? answers.front() : int(Vb::Cancel);
+    int msgBox(const QString&, int style, const QString&) override {
+        return msgBoxDefaultAnswer(style);
     }
-
-    bool chooseColor(QWidget* parent, std::int32_t& colour, int) override {
-        const QColor chosen = QColorDialog::getColor(fromVbColor(colour), parent);
-        if (!chosen.isValid())
-            return false;
-        colour = toVbColor(chosen);
-        return true;
+    bool chooseColor(QWidget*, std::int32_t&, int) override { return false; }
+    bool getOpenFileName(QWidget*, QString&, const QString&, const QString&, const QString&,
+                         const QString&) override {
+        return false;
     }
-
-    bool getOpenFileName(QWidget* parent, QString& fileName, const QString& title,
-                         const QString& filter, const QString& defaultExt,
-                         const QString& initialDir) override {
-        QFileDialog dialog(parent, title, initialDir, vbFilterToQt(filter));
-        dialog.setFileMode(QFileDialog::ExistingFile);
-        dialog.setAcceptMode(QFileDialog::AcceptOpen);
-        if (!defaultExt.isEmpty())
-            dialog.setDefaultSuffix(defaultExt);
-        if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-            return false;
-        fileName = dialog.selectedFiles().constFirst();
-        return true;
-    }
-
-    QString popupChoice(QMenu* menu, const QPoint& globalPos) override {
-        QAction* chosen = menu->exec(globalPos);
-        return chosen ? chosen->data().toString() : QString();
-    }
+    QString popupChoice(QMenu*, const QPoint&) override { return {}; }
 };
 
-QtDialogs& qtDialogs() {
-    static QtDialogs dialogs;
-    return dialogs;
+DefaultAnswers& defaultAnswers() {
+    static DefaultAnswers answers;
+    return answers;
 }
 
 DialogResponder* gResponder = nullptr;
@@ -176,12 +82,12 @@ QString vbFilterToQt(const QString& filter) {
     return result.join(QStringLiteral(";;"));
 }
 
-void setDialogResponder(DialogResponder* responder) {
-    gResponder = responder;
+DialogResponder* setDialogResponder(DialogResponder* responder) {
+    return std::exchange(gResponder, responder);
 }
 
 DialogResponder* dialogResponder() {
-    return gResponder ? gResponder : &qtDialogs();
+    return gResponder ? gResponder : &defaultAnswers();
 }
 
 int MsgBox(const QString& text, int style, const QString& title) {
@@ -200,59 +106,4 @@ bool GetOpenFileName(QWidget* parent, QString& fileName, const QString& title,
 
 QString PopupChoice(QMenu* menu, const QPoint& globalPos) {
     return dialogResponder()->popupChoice(menu, globalPos);
-}
-
-ScriptedResponder::ScriptedResponder() : mPrevious(gResponder) {
-    setDialogResponder(this);
-}
-
-ScriptedResponder::~ScriptedResponder() {
-    setDialogResponder(mPrevious);
-}
-
-int ScriptedResponder::msgBox(const QString& text, int style, const QString& title) {
-    boxes.push_back({text, style, title});
-    if (boxAnswers.empty())
-        return msgBoxDefaultAnswer(style);
-    const int answer = boxAnswers.front();
-    boxAnswers.pop_front();
-    return answer;
-}
-
-bool ScriptedResponder::chooseColor(QWidget*, std::int32_t& colour, int) {
-    ++colourRequests;
-    if (colours.empty())
-        return false;
-    const auto answer = colours.front();
-    colours.pop_front();
-    if (!answer)
-        return false;
-    colour = *answer;
-    return true;
-}
-
-bool ScriptedResponder::getOpenFileName(QWidget*, QString& fileName, const QString&, const QString&,
-                                        const QString&, const QString&) {
-    ++openFileRequests;
-    if (openFiles.empty())
-        return false;
-    const QString answer = openFiles.front();
-    openFiles.pop_front();
-    if (answer.isEmpty())
-        return false;
-    fileName = answer;
-    return true;
-}
-
-QString ScriptedResponder::popupChoice(QMenu* menu, const QPoint&) {
-    Popup popup;
-    collectItems(menu, popup);
-    popups.push_back(popup);
-    if (popupKeys.empty())
-        return {};
-    const QString key = popupKeys.front();
-    popupKeys.pop_front();
-    if (!popup.keys.contains(key) || popup.disabled.contains(key))
-        return {};
-    return key;
 }

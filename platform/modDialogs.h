@@ -4,8 +4,6 @@
 #include <QString>
 #include <QStringList>
 #include <cstdint>
-#include <deque>
-#include <optional>
 #include <vector>
 
 class QMenu;
@@ -13,8 +11,10 @@ class QWidget;
 class QColor;
 
 // Every box, colour or file dialog and pop-up choice of the program goes through this seam.
-// By default it shows Qt dialogs; tests install a responder that answers from a script and
-// records what was asked. No other code shows a QMessageBox.
+// Main installs the Qt dialogs (controls/QtDialogResponder.h); tests install a responder that
+// answers from a script and records what was asked. With none installed the seam needs no
+// display: each box answers with its default button, dialogs are cancelled and pop-up menus
+// choose nothing, so headless commands never block on a box. No other code shows a QMessageBox.
 
 // Styles and answers of a message box, with the classic numbers.
 namespace Vb {
@@ -61,8 +61,9 @@ public:
     virtual QString popupChoice(QMenu* menu, const QPoint& globalPos) = 0;
 };
 
-// Installs a responder (nullptr restores the Qt dialogs). The caller keeps ownership.
-void setDialogResponder(DialogResponder* responder);
+// Installs a responder (nullptr restores the answerer without a display) and returns the one
+// installed before (nullptr when none was). The caller keeps ownership.
+DialogResponder* setDialogResponder(DialogResponder* responder);
 DialogResponder* dialogResponder();
 
 // An empty title gives the application title.
@@ -72,43 +73,3 @@ bool GetOpenFileName(QWidget* parent, QString& fileName, const QString& title,
                      const QString& filter, const QString& defaultExt = {},
                      const QString& initialDir = {});
 QString PopupChoice(QMenu* menu, const QPoint& globalPos);
-
-// A responder for tests: answers from queues and records every request. An empty queue answers
-// a box with its default button, and cancels colour and file dialogs and pop-up menus.
-class ScriptedResponder : public DialogResponder {
-public:
-    struct Box {
-        QString text;
-        int style;
-        QString title;
-    };
-    struct Popup {
-        QStringList keys;     // every item's key, sub-menus included, in menu order
-        QStringList captions; // the captions in the same order
-        QStringList disabled; // keys of disabled items
-        QStringList checked;  // keys of checked items
-    };
-
-    ScriptedResponder();           // installs itself
-    ~ScriptedResponder() override; // restores the previous responder
-
-    std::deque<int> boxAnswers;
-    std::deque<std::optional<std::int32_t>> colours; // nullopt: cancel
-    std::deque<QString> openFiles;                   // "": cancel
-    std::deque<QString> popupKeys; // a key that is absent or disabled chooses nothing
-
-    std::vector<Box> boxes;
-    std::vector<Popup> popups;
-    int colourRequests = 0;
-    int openFileRequests = 0;
-
-    int msgBox(const QString& text, int style, const QString& title) override;
-    bool chooseColor(QWidget* parent, std::int32_t& colour, int flags) override;
-    bool getOpenFileName(QWidget* parent, QString& fileName, const QString& title,
-                         const QString& filter, const QString& defaultExt,
-                         const QString& initialDir) override;
-    QString popupChoice(QMenu* menu, const QPoint& globalPos) override;
-
-private:
-    DialogResponder* mPrevious;
-};

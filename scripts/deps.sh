@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
   # build
-  cmake ninja-build g++ pkg-config
+  cmake ninja-build g++ pkg-config clang-format
   qt6-base-dev libpugixml-dev libfreeimage-dev libjpeg62-turbo-dev libgif-dev
   # tests and benchmarks
   googletest libgtest-dev libgmock-dev libbenchmark-dev python3

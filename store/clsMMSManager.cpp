@@ -25,11 +25,11 @@
 
 namespace {
 constexpr const char* kSource = "clsMMSManager";
-constexpr int kFileAlreadyExists = 58;
-constexpr int kPathFileAccessError = 75;
+constexpr int kFileAlreadyExists = FailureNumber::FileAlreadyExists;
+constexpr int kPathFileAccessError = FailureNumber::PathFileAccess;
 
-[[noreturn]] void fail(int number, const QString& description) {
-    throw Failure(number, QString::fromUtf8(kSource), description);
+[[noreturn]] void fail(int number, const QString& description = {}) {
+    raiseFailure(number, QString::fromUtf8(kSource), description);
 }
 
 // The date a message folder was made, as the desktop shows a date and time.
@@ -106,7 +106,7 @@ QString clsMMSManager::messageFolder(const QString& name) const {
     if (!mFileSystem)
         raiseObjectNotSet(QString::fromUtf8(kSource));
     if (mMessagePath.isEmpty())
-        fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
+        fail(FailureNumber::PathNotFound);
     // The same rule as saving: a name that is empty, hidden or reaches outside the store would
     // act on the store itself, on a working folder or on another folder.
     const QString problem = messageNameProblem(name);
@@ -123,7 +123,7 @@ std::int16_t clsMMSManager::ListMessages(QStringList& names) {
             raiseObjectNotSet(QString::fromUtf8(kSource));
         QDir store(mMessagePath);
         if (mMessagePath.isEmpty() || !store.exists())
-            fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
+            fail(FailureNumber::PathNotFound);
         // Folders whose names begin with "." are the store's own working folders.
         const QFileInfoList folders =
             store.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
@@ -220,13 +220,13 @@ bool clsMMSManager::CopyMsg(const QString& fromName, const QString& toName) {
         const QString from = messageFolder(fromName);
         const QString to = messageFolder(toName);
         if (!QFileInfo(from).isDir())
-            fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
+            fail(FailureNumber::PathNotFound);
         const QFileInfoList files =
             QDir(from).entryInfoList(QDir::Files | QDir::Hidden, QDir::Name);
         if (files.isEmpty())
-            fail(FailureNumber::FileNotFound, QStringLiteral("File not found"));
+            fail(FailureNumber::FileNotFound);
         if (!QFileInfo(to).isDir() && !QDir().mkpath(to))
-            fail(FailureNumber::PathNotFound, QStringLiteral("Path not found"));
+            fail(FailureNumber::PathNotFound);
         for (const QFileInfo& file : files)
             copyOver(file.filePath(), to + QLatin1Char('/') + file.fileName());
         return true;

@@ -7,9 +7,9 @@
 #include "document/clsMessage.h"
 #include "document/clsSlide.h"
 #include "document/clsSlides.h"
-#include "platform/modDialogs.h"
 #include "platform/modShared.h"
 #include "store/clsMMSManager.h"
+#include "support/ScriptedResponder.h"
 
 #include "support/TestHome.h"
 

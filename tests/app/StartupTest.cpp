@@ -2,8 +2,8 @@
 #include "config/clsPropertiesXML.h"
 #include "config/modConfig.h"
 #include "platform/Failure.h"
-#include "platform/modDialogs.h"
 #include "platform/modLocale.h"
+#include "support/ScriptedResponder.h"
 
 #include "support/TestHome.h"
 

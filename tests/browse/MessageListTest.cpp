@@ -3,9 +3,9 @@
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
 #include "document/clsMessage.h"
-#include "platform/modDialogs.h"
 #include "platform/modShared.h"
 #include "store/clsMMSManager.h"
+#include "support/ScriptedResponder.h"
 #include "support/TestHome.h"
 
 #include <QApplication>

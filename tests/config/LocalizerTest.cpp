@@ -8,9 +8,7 @@
 #include "platform/modText.h"
 
 #include <QFont>
-#include <QLabel>
 #include <QProcess>
-#include <QWidget>
 #include <memory>
 
 namespace {
@@ -427,48 +425,6 @@ TEST_F(LocalizerFonts, ProperFontByCodePage) {
     EXPECT_EQ(clsXMLocalizer::CharSetOfCodePage(1256), 178);
     EXPECT_EQ(clsXMLocalizer::CharSetOfCodePage(1257), 186);
     EXPECT_EQ(clsXMLocalizer::CharSetOfCodePage(874), 1);
-}
-
-TEST_F(LocalizerFonts, WindowsFollowTheSystemLocaleNotTheLanguage) {
-    addLanguage(QStringLiteral("zh-cn"), QStringLiteral("Chinese,1"));
-    writeLanguage(QStringLiteral("en-us"), {}, {});
-    writeLanguage(QStringLiteral("zh-cn"), {}, {});
-    QWidget form;
-    form.setObjectName(QStringLiteral("frmFonts"));
-    auto* label = new QLabel(&form);
-    label->setObjectName(QStringLiteral("lblA"));
-    label->setFont(QFont(QStringLiteral("Courier"), 8));
-
-    clsXMLocalizer localizer(props);
-    // An English system locale leaves every font alone, even with a Chinese language.
-    localizer.SetThreadLocale(1033);
-    ASSERT_TRUE(localizer.SetLanguage(QStringLiteral("zh-cn")));
-    ASSERT_TRUE(localizer.TranslateForm(&form));
-    EXPECT_EQ(label->font().family(), QStringLiteral("Courier"));
-    EXPECT_EQ(label->font().pointSize(), 8);
-
-    // A Chinese system locale with English texts takes the font of code page 936.
-    localizer.SetThreadLocale(2052);
-    ASSERT_TRUE(localizer.SetLanguage(QStringLiteral("en-us")));
-    ASSERT_TRUE(localizer.TranslateForm(&form));
-    EXPECT_EQ(label->font().family(), QString::fromUtf16(u"\u5B8B\u4F53"));
-    EXPECT_EQ(label->font().pointSize(), 9);
-
-    // Custom controls fit their own controls the same way.
-    QLabel loose;
-    loose.setFont(QFont(QStringLiteral("Courier"), 8));
-    localizer.SetThreadLocale(1049);
-    localizer.ChangeCharSetUsrCtrl({&loose, nullptr});
-    EXPECT_TRUE(loose.font().family().isEmpty());
-    localizer.SetThreadLocale(3081); // English (Australia)
-    QLabel untouched;
-    untouched.setFont(QFont(QStringLiteral("Courier"), 8));
-    localizer.ChangeCharSetUsrCtrl({&untouched});
-    EXPECT_EQ(untouched.font().family(), QStringLiteral("Courier"));
-
-    // By default the locale is the system's.
-    localizer.SetThreadLocale(0);
-    EXPECT_EQ(localizer.ThreadLocale(), userDefaultLCID());
 }
 
 TEST_F(LocalizerLanguages, DamagedFilesNeverCrashTheLoad) {

@@ -8,7 +8,7 @@
 #include "controls/frmAbout.h"
 #include "controls/frmSplash.h"
 #include "controls/modTitleBar.h"
-#include "platform/modDialogs.h"
+#include "support/ScriptedResponder.h"
 #include "support/TestHome.h"
 
 #include <QLabel>

@@ -1,7 +1,7 @@
 #include "controls/ctlMainMenu.h"
 #include "controls/modSkin.h"
-#include "platform/modDialogs.h"
 #include "platform/modText.h"
+#include "support/ScriptedResponder.h"
 
 #include <QCursor>
 #include <QLabel>

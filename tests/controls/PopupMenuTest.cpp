@@ -1,5 +1,5 @@
 #include "controls/clsPopupMenu.h"
-#include "platform/modDialogs.h"
+#include "support/ScriptedResponder.h"
 
 #include <QAction>
 #include <QMenu>

@@ -2,8 +2,8 @@
 #include "controls/frmAbout.h"
 #include "controls/frmSplash.h"
 #include "controls/modTitleBar.h"
-#include "platform/modDialogs.h"
 #include "platform/modShared.h"
+#include "support/ScriptedResponder.h"
 
 #include <QFile>
 #include <QLabel>

@@ -3,7 +3,7 @@
 #include "ImagingTestUtil.h"
 #include "imaging/cDIBSectionSave.h"
 #include "imaging/modPictureLoad.h"
-#include "platform/modDialogs.h"
+#include "support/ScriptedResponder.h"
 
 #include <FreeImage.h>
 #include <QBuffer>

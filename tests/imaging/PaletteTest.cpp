@@ -2,7 +2,7 @@
 #include "imaging/cDIBSection.h"
 #include "imaging/cPalette.h"
 #include "platform/Failure.h"
-#include "platform/modDialogs.h"
+#include "support/ScriptedResponder.h"
 
 #include <gtest/gtest.h>
 #include <random>

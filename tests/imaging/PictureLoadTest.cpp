@@ -2,8 +2,8 @@
 #include "imaging/cDIBSectionSave.h"
 #include "imaging/modFreeImage.h"
 #include "imaging/modPictureLoad.h"
-#include "platform/modDialogs.h"
 #include "platform/modText.h"
+#include "support/ScriptedResponder.h"
 
 #include <FreeImage.h>
 #include <QBuffer>
