@@ -1,5 +1,6 @@
 #include "config/clsPropertiesXML.h"
 
+#include "config/modTextEncoding.h"
 #include "platform/AppPaths.h"
 #include "platform/Failure.h"
 
@@ -15,6 +16,9 @@ const char* const kSource = "clsPropertiesXML";
 
 // The text of a new preferences file; the declaration is added as a node of its own.
 const char kNewDocument[] = "<APPLICATIONS>\r\n</APPLICATIONS>";
+
+constexpr unsigned kParseOptions =
+    pugi::parse_default | pugi::parse_declaration | pugi::parse_pi | pugi::parse_comments;
 
 std::string utf8(const QString& text) {
     return text.toStdString();
@@ -263,6 +267,52 @@ short clsPropertiesXML::SetPropList(const QString& section, const QStringList& l
     return 0;
 }
 
+int clsPropertiesXML::AddMissingDefaults(const QString& defaultsFile) {
+    ensureInitialized();
+    QFile in(defaultsFile);
+    if (!in.open(QIODevice::ReadOnly))
+        return -1;
+    pugi::xml_document defaults;
+    if (!loadXmlBytes(defaults, in.readAll(), kParseOptions) ||
+        std::string_view(defaults.document_element().name()) != "APPLICATIONS")
+        return -1;
+    const std::string application = utf8(mApplicationName);
+    const pugi::xml_node from =
+        defaults.document_element()
+            .find_child_by_attribute("APPLICATION", "name", application.c_str())
+            .child("SECTIONS");
+    if (!from)
+        return 0;
+    if (!mSectionsNode)
+        raiseObjectNotSet(QString::fromLatin1(kSource));
+
+    int added = 0;
+    for (const pugi::xml_node& section : from.children("SECTION")) {
+        const char* sectionName = section.attribute("name").value();
+        pugi::xml_node target =
+            mSectionsNode.find_child_by_attribute("SECTION", "name", sectionName);
+        if (!target) {
+            target = mSectionsNode.append_child("SECTION");
+            target.append_attribute("name").set_value(sectionName);
+            mDirty = true;
+        }
+        for (const pugi::xml_node& key : section.children("KEY")) {
+            const char* keyName = key.attribute("name").value();
+            const pugi::xml_node value = key.first_child();
+            // A key without text would lock the key: SetProp can never give it a value.
+            if (!value || (value.type() != pugi::node_pcdata && value.type() != pugi::node_cdata) ||
+                target.find_child_by_attribute("KEY", "name", keyName))
+                continue;
+            pugi::xml_node created = target.append_child("KEY");
+            created.append_attribute("name").set_value(keyName);
+            created.append_child(pugi::node_pcdata).set_value(value.value());
+            mDirty = true;
+            ++added;
+        }
+    }
+    return added;
+}
+
 void clsPropertiesXML::DeleteApplication(const QString& application) {
     if (!mInitialized)
         return;
@@ -325,11 +375,7 @@ void clsPropertiesXML::loadDocument(const QString& file) {
     if (in.open(QIODevice::ReadOnly)) {
         const QByteArray bytes = in.readAll();
         in.close();
-        loaded = mDocument.load_buffer(bytes.constData(), static_cast<size_t>(bytes.size()),
-                                       pugi::parse_default | pugi::parse_declaration |
-                                           pugi::parse_pi | pugi::parse_comments,
-                                       pugi::encoding_utf8) &&
-                 mDocument.document_element();
+        loaded = loadXmlBytes(mDocument, bytes, kParseOptions) && mDocument.document_element();
     }
     if (loaded)
         return;

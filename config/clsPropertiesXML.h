@@ -44,6 +44,14 @@ public:
     void DeletePropSection(const QString& section);
     void DeleteProp(const QString& section, const QString& key);
 
+    // Adds to the current application's subtree each section and key of the default preferences
+    // file (same tree, the installed tessaly.xml) that the store lacks, in the defaults' order.
+    // A value the store has is never changed, not even an empty one; a default without text
+    // is not added (it reads as its default all the same). Marks the store dirty when it added
+    // anything. Returns the number of keys added, or -1 when the defaults file cannot be read
+    // or is not a preferences file; the store is then left as it was.
+    int AddMissingDefaults(const QString& defaultsFile);
+
     // Whether the document differs from the file (it stays set after a save).
     bool isDirty() const { return mDirty; }
     bool isInitialized() const { return mInitialized; }

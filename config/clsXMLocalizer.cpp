@@ -1,6 +1,7 @@
 #include "config/clsXMLocalizer.h"
 
 #include "config/clsPropertiesXML.h"
+#include "config/modTextEncoding.h"
 #include "platform/AppPaths.h"
 #include "platform/Failure.h"
 #include "platform/modLocale.h"
@@ -329,9 +330,7 @@ struct clsXMLocalizer::Private {
         QFile file(languageFile);
         if (!file.open(QIODevice::ReadOnly))
             return false;
-        const QByteArray bytes = file.readAll();
-        return static_cast<bool>(document.load_buffer(
-            bytes.constData(), static_cast<size_t>(bytes.size()), kParseOptions));
+        return loadXmlBytes(document, file.readAll(), kParseOptions);
     }
 
     void setStringEntry(const QString& key, const QString& value) {

@@ -1,6 +1,7 @@
 #include "config/clsPropertiesXML.h"
 #include "config/modLanguage.h"
 #include "platform/Failure.h"
+#include "platform/modLocale.h"
 
 #include "support/TestHome.h"
 
@@ -27,16 +28,40 @@ TEST(LanguageChoice, AvailabilityNeedsAnEnabledRecordAndAFile) {
     EXPECT_EQ(languageFolder(store), home.path() + QStringLiteral("/language/tessaly/"));
 }
 
-TEST(LanguageChoice, ShippedPreferencesKnowTheShippedLanguages) {
+// The shipped "langid" table leads every German-speaking system to the German file, whether
+// the id comes from the system's locale or from an older installation's settings.
+TEST(LanguageChoice, GermanSpeakingSystemsFindGerman) {
     TestHome home(true);
     clsPropertiesXML store;
-    for (const QString& code : {QStringLiteral("en-us"), QStringLiteral("de-de")}) {
-        const QString record = store.GetProp(QStringLiteral("languages"), code, QString());
-        EXPECT_FALSE(record.isEmpty()) << code.toStdString();
+    const auto firstRunCode = [&](std::int32_t langId) {
+        return store.GetProp(QStringLiteral("langid"), langIdToKey(langId), QString())
+            .section(QLatin1Char(';'), 0, 0)
+            .toLower();
+    };
+    const QLocale::Territory territories[] = {QLocale::Germany, QLocale::Austria,
+                                              QLocale::Switzerland, QLocale::Luxembourg,
+                                              QLocale::Liechtenstein};
+    for (const QLocale::Territory territory : territories) {
+        const QLocale locale(QLocale::German, territory);
+        SCOPED_TRACE(locale.name().toStdString());
+        EXPECT_NE(lcidForLocale(locale), 0x0409);
+        EXPECT_EQ(firstRunCode(lcidForLocale(locale)), QStringLiteral("de-de"));
     }
-    EXPECT_EQ(store.GetProp(QStringLiteral("langid"), QStringLiteral("H0407"), QString())
-                  .section(';', 0, 0),
-              QStringLiteral("de-de"));
+    for (const int legacyId : {1031, 3079, 2055, 4103}) {
+        SCOPED_TRACE(legacyId);
+        EXPECT_EQ(firstRunCode(legacyId), QStringLiteral("de-de"));
+    }
+    EXPECT_TRUE(isLanguageAvailable(store, QStringLiteral("de-de")));
+    // Every English or German entry names an installed file first.
+    QStringList entries;
+    ASSERT_GT(store.GetPropList(entries, QStringLiteral("langid"), QStringLiteral("=")), 40);
+    for (const QString& entry : entries) {
+        const QString code = entry.section(QLatin1Char('='), 1).section(QLatin1Char(';'), 0, 0);
+        const QString language = code.section(QLatin1Char('-'), 0, 0);
+        if (language == QLatin1String("en") || language == QLatin1String("de")) {
+            EXPECT_TRUE(isLanguageAvailable(store, code)) << entry.toStdString();
+        }
+    }
     EXPECT_EQ(store.GetProp(QStringLiteral("paths"), QStringLiteral("messages"), QString()),
               QStringLiteral("\\Messages\\"));
 }

@@ -2,6 +2,7 @@
 
 #include "support/TestHome.h"
 
+#include <QStringConverter>
 #include <gtest/gtest.h>
 
 TEST(PropertiesIni, DefaultFileAndMissingFile) {
@@ -71,4 +72,20 @@ TEST(PropertiesIni, WritesKeepTheRestOfTheFile) {
     ini.SetPropList(QStringLiteral("b"), {QStringLiteral("p=1"), QStringLiteral("q=2")});
     EXPECT_EQ(home.read(QStringLiteral("tessaly.ini")),
               QByteArray("; top\r\n[a]\r\nx=9\r\nz=3\r\n\r\n[b]\r\np=1\r\nq=2\r\n"));
+}
+
+TEST(PropertiesIni, OlderFilesInTheWindowsCodePageOrUtf16) {
+    TestHome home;
+    clsProperties ini;
+    const QString expected =
+        QString::fromUtf16(u"\u20ac \u201cq\u201d \u2018s\u2019 \u2013\u2014 \u00e9");
+    home.write(QStringLiteral("tessaly.ini"),
+               "[s]\r\nk=\x80 \x93q\x94 \x91s\x92 \x96\x97 \xE9\r\n");
+    EXPECT_EQ(ini.GetProp(QStringLiteral("s"), QStringLiteral("k"), QString()), expected);
+    home.write(QStringLiteral("tessaly.ini"),
+               QStringEncoder(QStringConverter::Utf16LE, QStringConverter::Flag::WriteBom)
+                   .encode(QStringLiteral("[s]\r\nk=") + expected + QStringLiteral("\r\n")));
+    EXPECT_EQ(ini.GetProp(QStringLiteral("s"), QStringLiteral("k"), QString()), expected);
+    QStringList sections;
+    EXPECT_EQ(ini.GetSections(sections), 0);
 }

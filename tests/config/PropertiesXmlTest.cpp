@@ -5,7 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
+#include <QStringConverter>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -53,16 +53,6 @@ TEST_F(PropertiesXml, NewFileComesIntoBeingAtTheEndWithTheExactLayout) {
                               "<APPLICATIONS><APPLICATION name=\"tessaly\"><SECTIONS><SECTION "
                               "name=\"preferences\"><KEY name=\"Language\">de-de</KEY></SECTION>"
                               "</SECTIONS></APPLICATION></APPLICATIONS>\r\n");
-    // And an independent parser reads it.
-    QProcess python;
-    python.start(QStringLiteral("python3"),
-                 {QStringLiteral("-c"),
-                  QStringLiteral("import sys,xml.etree.ElementTree as E;"
-                                 "r=E.parse(sys.argv[1]).getroot();"
-                                 "print(r.find('APPLICATION/SECTIONS/SECTION/KEY').text)"),
-                  file()});
-    ASSERT_TRUE(python.waitForFinished(10000));
-    EXPECT_EQ(python.readAllStandardOutput().trimmed(), QByteArray("de-de"));
 }
 
 TEST_F(PropertiesXml, ReadingNeverWrites) {
@@ -92,10 +82,14 @@ TEST_F(PropertiesXml, MissingFileReadsDefaultsWithoutWritingOnRead) {
 }
 
 TEST_F(PropertiesXml, SetPropReportsChangesOnly) {
+    writeFile(kHeader + "<APPLICATIONS><APPLICATION name=\"tessaly\"><SECTIONS><SECTION "
+                        "name=\"preferences\"><KEY name=\"A\">1</KEY></SECTION></SECTIONS>"
+                        "</APPLICATION></APPLICATIONS>");
     auto store = open();
-    EXPECT_EQ(store->SetProp(pref, QStringLiteral("A"), QStringLiteral("1")), 1);
     EXPECT_EQ(store->SetProp(pref, QStringLiteral("A"), QStringLiteral("1")), 0);
+    EXPECT_FALSE(store->isDirty()) << "an unchanged value is no change";
     EXPECT_EQ(store->SetProp(pref, QStringLiteral("A"), QStringLiteral("2")), 1);
+    EXPECT_TRUE(store->isDirty()) << "a new value for an existing key is a change";
     EXPECT_EQ(store->GetProp(pref, QStringLiteral("A"), QString()), QStringLiteral("2"));
     // Names are case sensitive.
     EXPECT_EQ(
@@ -255,4 +249,141 @@ TEST_F(PropertiesXml, UnicodeValuesRoundTrip) {
     const QString value = QStringLiteral("Grüße – 日本 & <tags>");
     { open()->SetProp(pref, QStringLiteral("u"), value); }
     EXPECT_EQ(open()->GetProp(pref, QStringLiteral("u"), QString()), value);
+}
+
+namespace {
+
+QByteArray preferencesFile(const QByteArray& sections) {
+    return kHeader + "<APPLICATIONS><APPLICATION name=\"tessaly\"><SECTIONS>" + sections +
+           "</SECTIONS></APPLICATION></APPLICATIONS>";
+}
+
+const QByteArray kDefaults = preferencesFile(
+    "<SECTION name=\"preferences\"><KEY name=\"A\">def-a</KEY><!-- note --><KEY name=\"E\">"
+    "def-e</KEY><KEY name=\"Skin\"/><KEY name=\"B\">def-b</KEY></SECTION>"
+    "<SECTION name=\"paths\"><KEY name=\"language\">\\language\\</KEY></SECTION>");
+
+} // namespace
+
+TEST_F(PropertiesXml, MissingDefaultsFillAFreshStoreInOrder) {
+    home.write(QStringLiteral("defaults.xml"), kDefaults);
+    {
+        auto store = open();
+        EXPECT_EQ(store->AddMissingDefaults(home.file(QStringLiteral("defaults.xml"))), 4);
+        EXPECT_TRUE(store->isDirty());
+    }
+    // A default without text is left out: it would read as the default anyway, and an empty
+    // key could never be given a value.
+    EXPECT_EQ(contents(), preferencesFile("<SECTION name=\"preferences\"><KEY name=\"A\">def-a"
+                                          "</KEY><KEY name=\"E\">def-e</KEY><KEY name=\"B\">"
+                                          "def-b</KEY></SECTION><SECTION name=\"paths\"><KEY "
+                                          "name=\"language\">\\language\\</KEY></SECTION>") +
+                              "\r\n");
+}
+
+TEST_F(PropertiesXml, MissingDefaultsNeverOverwriteTheUsersValues) {
+    home.write(QStringLiteral("defaults.xml"), kDefaults);
+    writeFile(preferencesFile("<SECTION name=\"preferences\"><KEY name=\"E\"/><KEY name=\"A\">"
+                              "mine</KEY></SECTION>"));
+    auto store = open();
+    EXPECT_EQ(store->AddMissingDefaults(home.file(QStringLiteral("defaults.xml"))), 2);
+    EXPECT_EQ(store->GetProp(pref, QStringLiteral("A"), QString()), QStringLiteral("mine"));
+    EXPECT_EQ(store->GetProp(pref, QStringLiteral("E"), QStringLiteral("none")),
+              QStringLiteral("none"))
+        << "the user's empty key stays empty";
+    EXPECT_EQ(store->GetProp(pref, QStringLiteral("B"), QString()), QStringLiteral("def-b"));
+    QStringList keys;
+    store->GetKeyNodes(keys, pref);
+    EXPECT_EQ(keys, (QStringList{QStringLiteral("E"), QStringLiteral("A"), QStringLiteral("B")}));
+    EXPECT_EQ(store->GetProp(QStringLiteral("paths"), QStringLiteral("language"), QString()),
+              QStringLiteral("\\language\\"));
+
+    // A store that lacks nothing stays clean.
+    { auto saved = std::move(store); }
+    auto complete = open();
+    EXPECT_EQ(complete->AddMissingDefaults(home.file(QStringLiteral("defaults.xml"))), 0);
+    EXPECT_FALSE(complete->isDirty());
+}
+
+TEST_F(PropertiesXml, UnreadableDefaultsChangeNothing) {
+    writeFile(preferencesFile("<SECTION name=\"preferences\"><KEY name=\"A\">1</KEY></SECTION>"));
+    home.write(QStringLiteral("broken.xml"), kDefaults.left(kDefaults.size() - 20));
+    home.write(QStringLiteral("foreign.xml"), "<OTHER><SECTION name=\"x\"/></OTHER>");
+    const QByteArray before = contents();
+    {
+        auto store = open();
+        for (const char* name : {"absent.xml", "broken.xml", "foreign.xml"})
+            EXPECT_EQ(store->AddMissingDefaults(home.file(QString::fromLatin1(name))), -1) << name;
+        EXPECT_FALSE(store->isDirty());
+    }
+    EXPECT_EQ(contents(), before);
+}
+
+TEST_F(PropertiesXml, ShippedDefaultsMendADamagedFile) {
+    TestHome shipped(true);
+    const QString defaults = shipped.file(QStringLiteral("tessaly.xml"));
+    writeFile("<APPLICATIONS><APPLICATION name=\"tessaly\">"); // damaged: kept as .bak
+    {
+        auto store = open();
+        EXPECT_GT(store->AddMissingDefaults(defaults), 50);
+        EXPECT_TRUE(store->SaveXmlFile());
+    }
+    EXPECT_TRUE(QFileInfo::exists(file() + QStringLiteral(".bak")));
+    // Every key of the shipped file is there with its value.
+    clsPropertiesXML reference;
+    reference.Initialize(defaults, QString());
+    auto store = open();
+    QStringList sections;
+    ASSERT_GT(reference.GetSectionNodes(sections), 3);
+    for (const QString& section : sections) {
+        QStringList keys;
+        reference.GetKeyNodes(keys, section);
+        for (const QString& key : keys) {
+            const QString value = reference.GetProp(section, key, QStringLiteral("<none>"));
+            EXPECT_EQ(store->GetProp(section, key, QStringLiteral("<none>")), value)
+                << section.toStdString() << "/" << key.toStdString();
+        }
+    }
+}
+
+TEST_F(PropertiesXml, FilesAreReadInTheEncodingTheyName) {
+    const QString value = QString::fromUtf16(u"caf\u00e9 \u20ac \u201cq\u201d \u2013\u2014");
+    const auto utf16 = [](QStringConverter::Encoding encoding, const QString& text) {
+        return QByteArray(QStringEncoder(encoding, QStringEncoder::Flag::WriteBom).encode(text));
+    };
+    const QString body = QStringLiteral("<APPLICATIONS><APPLICATION name=\"tessaly\"><SECTIONS>"
+                                        "<SECTION name=\"preferences\"><KEY name=\"v\">%1</KEY>"
+                                        "</SECTION></SECTIONS></APPLICATION></APPLICATIONS>");
+    const QByteArray cp1252 = "caf\xE9 \x80 \x93q\x94 \x96\x97";
+    const std::pair<const char*, QByteArray> files[] = {
+        {"utf-8", kHeader + body.arg(value).toUtf8()},
+        {"utf-8 with mark", "\xEF\xBB\xBF" + kHeader + body.arg(value).toUtf8()},
+        {"utf-16le with mark",
+         utf16(QStringConverter::Utf16LE,
+               QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-16\"?>") + body.arg(value))},
+        {"utf-16be with mark", utf16(QStringConverter::Utf16BE, body.arg(value))},
+        {"windows-1252", "<?xml version=\"1.0\" encoding=\"Windows-1252\"?>" +
+                             body.arg(QStringLiteral("%1")).toLatin1().replace("%1", cp1252)},
+        {"undeclared code page", body.arg(QStringLiteral("%1")).toLatin1().replace("%1", cp1252)},
+    };
+    for (const auto& [name, bytes] : files) {
+        SCOPED_TRACE(name);
+        writeFile(bytes);
+        {
+            auto store = open();
+            EXPECT_EQ(store->GetProp(pref, QStringLiteral("v"), QString()), value);
+            store->SetProp(pref, QStringLiteral("w"), QStringLiteral("1"));
+        }
+        // Saved again as UTF-8, and declared so where the file had a declaration.
+        QStringDecoder utf8(QStringDecoder::Utf8);
+        EXPECT_TRUE(QString(utf8.decode(contents())).contains(value));
+        EXPECT_FALSE(utf8.hasError());
+        EXPECT_FALSE(contents().contains("1252") || contents().contains("UTF-16"));
+        EXPECT_EQ(open()->GetProp(pref, QStringLiteral("v"), QString()), value);
+    }
+    // ISO-8859-1 keeps 0x80-0x9F as the control characters they are there.
+    writeFile("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" +
+              body.arg(QStringLiteral("%1")).toLatin1().replace("%1", "caf\xE9 \xA4\x80"));
+    EXPECT_EQ(open()->GetProp(pref, QStringLiteral("v"), QString()),
+              QString::fromUtf16(u"caf\u00e9 \u00a4\u0080"));
 }
