@@ -2,66 +2,53 @@
 #include "config/modLanguage.h"
 #include "platform/Failure.h"
 #include "platform/modLocale.h"
-
 #include "support/TestHome.h"
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 TEST(LanguageChoice, AvailabilityNeedsAnEnabledRecordAndAFile) {
     TestHome home;
-    home.write(QStringLiteral("language/tessaly/en-us.xml"), "<langtab/>");
-    home.write(QStringLiteral("language/tessaly/de.xml"), "<langtab/>");
+    home.write(u"language/tessaly/en-us.xml"_s, "<langtab/>");
+    home.write(u"language/tessaly/de.xml"_s, "<langtab/>");
     clsPropertiesXML store;
-    store.SetProp(QStringLiteral("paths"), QStringLiteral("language"),
-                  QStringLiteral("\\language\\tessaly"));
-    store.SetProp(QStringLiteral("languages"), QStringLiteral("en-us"),
-                  QStringLiteral("English,1"));
-    store.SetProp(QStringLiteral("languages"), QStringLiteral("de"), QStringLiteral("Deutsch,0"));
-    store.SetProp(QStringLiteral("languages"), QStringLiteral("fr-fr"),
-                  QStringLiteral("Français,1"));
-    store.SetProp(QStringLiteral("languages"), QStringLiteral("xx"), QStringLiteral("broken"));
-    EXPECT_TRUE(isLanguageAvailable(store, QStringLiteral("en-us")));
-    EXPECT_FALSE(isLanguageAvailable(store, QStringLiteral("de")));    // disabled
-    EXPECT_FALSE(isLanguageAvailable(store, QStringLiteral("fr-fr"))); // no file
-    EXPECT_FALSE(isLanguageAvailable(store, QStringLiteral("sv")));    // no record
-    EXPECT_THROW(isLanguageAvailable(store, QStringLiteral("xx")), Failure);
-    EXPECT_EQ(languageFolder(store), home.path() + QStringLiteral("/language/tessaly/"));
+    store.SetProp(u"paths"_s, u"language"_s, u"\\language\\tessaly"_s);
+    for (const auto& [code, record] : {std::pair{u"en-us"_s, u"English,1"_s},
+                                       {u"de"_s, u"Deutsch,0"_s},
+                                       {u"fr-fr"_s, u"Français,1"_s},
+                                       {u"xx"_s, u"broken"_s}})
+        store.SetProp(u"languages"_s, code, record);
+    EXPECT_TRUE(isLanguageAvailable(store, u"en-us"_s));
+    EXPECT_FALSE(isLanguageAvailable(store, u"de"_s));    // disabled
+    EXPECT_FALSE(isLanguageAvailable(store, u"fr-fr"_s)); // no file
+    EXPECT_FALSE(isLanguageAvailable(store, u"sv"_s));    // no record
+    EXPECT_THROW(isLanguageAvailable(store, u"xx"_s), Failure);
+    EXPECT_EQ(languageFolder(store), home.path() + u"/language/tessaly/"_s);
 }
 
 // The shipped "langid" table leads every German-speaking system to the German file, whether
-// the id comes from the system's locale or from an older installation's settings.
+// the id comes from the system's locale or from an older installation's settings; every
+// English or German entry names an installed file first.
 TEST(LanguageChoice, GermanSpeakingSystemsFindGerman) {
     TestHome home(true);
     clsPropertiesXML store;
-    const auto firstRunCode = [&](std::int32_t langId) {
-        return store.GetProp(QStringLiteral("langid"), langIdToKey(langId), QString())
-            .section(QLatin1Char(';'), 0, 0)
-            .toLower();
+    const auto firstCode = [&](std::int32_t langId) {
+        return store.GetProp(u"langid"_s, langIdToKey(langId), QString()).section(u';', 0, 0);
     };
-    const QLocale::Territory territories[] = {QLocale::Germany, QLocale::Austria,
-                                              QLocale::Switzerland, QLocale::Luxembourg,
-                                              QLocale::Liechtenstein};
-    for (const QLocale::Territory territory : territories) {
-        const QLocale locale(QLocale::German, territory);
-        SCOPED_TRACE(locale.name().toStdString());
-        EXPECT_NE(lcidForLocale(locale), 0x0409);
-        EXPECT_EQ(firstRunCode(lcidForLocale(locale)), QStringLiteral("de-de"));
+    for (const auto territory : {QLocale::Germany, QLocale::Austria, QLocale::Switzerland,
+                                 QLocale::Luxembourg, QLocale::Liechtenstein}) {
+        const std::int32_t id = lcidForLocale(QLocale(QLocale::German, territory));
+        EXPECT_TRUE(id != 0x0409 && firstCode(id) == u"de-de"_s) << territory;
     }
-    for (const int legacyId : {1031, 3079, 2055, 4103}) {
-        SCOPED_TRACE(legacyId);
-        EXPECT_EQ(firstRunCode(legacyId), QStringLiteral("de-de"));
-    }
-    EXPECT_TRUE(isLanguageAvailable(store, QStringLiteral("de-de")));
-    // Every English or German entry names an installed file first.
+    for (const int legacyId : {1031, 3079, 2055, 4103})
+        EXPECT_EQ(firstCode(legacyId), u"de-de"_s) << legacyId;
     QStringList entries;
-    ASSERT_GT(store.GetPropList(entries, QStringLiteral("langid"), QStringLiteral("=")), 40);
+    ASSERT_GT(store.GetPropList(entries, u"langid"_s, u"="_s), 40);
     for (const QString& entry : entries) {
-        const QString code = entry.section(QLatin1Char('='), 1).section(QLatin1Char(';'), 0, 0);
-        const QString language = code.section(QLatin1Char('-'), 0, 0);
-        if (language == QLatin1String("en") || language == QLatin1String("de")) {
-            EXPECT_TRUE(isLanguageAvailable(store, code)) << entry.toStdString();
-        }
+        const QString code = entry.section(u'=', 1).section(u';', 0, 0);
+        EXPECT_TRUE(!code.startsWith(u"en"_s) && !code.startsWith(u"de"_s) ||
+                    isLanguageAvailable(store, code))
+            << entry.toStdString();
     }
-    EXPECT_EQ(store.GetProp(QStringLiteral("paths"), QStringLiteral("messages"), QString()),
-              QStringLiteral("\\Messages\\"));
 }
