@@ -9,6 +9,7 @@
 
 #include <QFont>
 #include <tuple>
+#include <vector>
 
 namespace {
 
@@ -21,62 +22,51 @@ const QString kForms = u"<form name=\"frmMain\" caption=\"Main window\">"
 
 using LocalizerStrings = LocalizerFixture;
 
-TEST_F(LocalizerStrings, StringTable) {
+TEST_F(LocalizerStrings, StringTableAndParameters) {
     writeLanguage(u"en-us"_s, {},
                   str(u"STR_TWICE"_s, u"first"_s) + str(u"str_twice"_s, u"second"_s) +
-                      // no children: not entered; children but no text: entered empty
+                      str(u"STR_FILE"_s, u"The file %0 exists.%nReplace %0?"_s) +
+                      str(u"STR_ELEVEN"_s, u"%0|%1|%10"_s) + str(u"STR_CHAIN"_s, u"[%0][%1]"_s) +
+                      str(u"STR_CASE"_s, u"%N %n"_s) +
+                      // no children: not entered; children but no text: entered empty; the last
+                      // text child wins, text below it is joined, blanks stay; a comment is
+                      // passed over
                       u"<string name=\"STR_EMPTY\"/><string name=\"STR_NOTEXT\"><note>x</note>"
-                      "</string>"
-                      // the last text child wins; text below it is joined; blanks stay
-                      "<string name=\"STR_TWO\"><text>one</text><text>t<b>w</b>o </text></string>"
-                      // a comment among the strings is passed over
-                      "<!-- a comment --><string name=\"STR_UTF\"><text>Über &amp; &lt;x&gt;"
-                      "</text></string>"_s);
+                      "</string><string name=\"STR_TWO\"><text>one</text><text>t<b>w</b>o </text>"
+                      "</string><!-- a comment --><string name=\"STR_UTF\"><text>Über &amp; "
+                      "&lt;x&gt;</text></string>"_s);
     clsXMLocalizer localizer(props);
     // Before any language is set every key stands for itself.
-    EXPECT_EQ(localizer.GetString(u"STR_UTF"_s), u"STR_UTF"_s);
-    EXPECT_EQ(localizer.GetLanguage(), QString());
+    EXPECT_EQ(localizer.GetString(u"STR_UTF"_s) + localizer.GetLanguage(), u"STR_UTF"_s);
     ASSERT_TRUE(localizer.SetLanguage(u"en-us"_s));
-    const std::pair<QString, QString> cases[] = {
+    const std::pair<QString, QString> strings[] = {
         {u"STR_MISSING"_s, u"STR_MISSING"_s},
         {u"Str_Twice"_s, u"second"_s},
         {u"STR_EMPTY"_s, u"STR_EMPTY"_s},
         {u"STR_NOTEXT"_s, QString()},
         {u"STR_TWO"_s, u"two "_s},
         {u"STR_UTF"_s, u"Über & <x>"_s},
-    };
-    for (const auto& [key, text] : cases)
+        {u"STR_FILE"_s, u"The file %0 exists.%nReplace %0?"_s}};
+    for (const auto& [key, text] : strings)
         EXPECT_EQ(localizer.GetString(key), text) << key.toStdString();
-    // A missing key comes back as it stands: "%n" is not replaced then.
-    EXPECT_EQ(localizer.GetStringPar(u"STR_MISSING%n"_s, {u"x"_s}), u"STR_MISSING%n"_s);
-}
 
-TEST_F(LocalizerStrings, StringParReplacesLineBreaksAndNumberedMarkers) {
-    writeLanguage(u"en-us"_s, {},
-                  str(u"STR_FILE"_s, u"The file %0 exists.%nReplace %0?"_s) +
-                      str(u"STR_ELEVEN"_s, u"%0|%1|%10"_s) + str(u"STR_CHAIN"_s, u"[%0][%1]"_s) +
-                      str(u"STR_CASE"_s, u"%N %n"_s));
-    clsXMLocalizer localizer(props);
-    ASSERT_TRUE(localizer.SetLanguage(u"en-us"_s));
     QStringList eleven;
     for (int i = 0; i <= 10; ++i)
         eleven << u"p%1."_s.arg(QChar(u'a' + i));
-    const std::tuple<QString, QStringList, QString> cases[] = {
+    const std::tuple<QString, QStringList, QString> withParameters[] = {
         {u"STR_FILE"_s, {u"a.wav"_s}, u"The file a.wav exists.\r\nReplace a.wav?"_s},
-        // Without parameters "%n" is still replaced.
         {u"STR_FILE"_s, {}, u"The file %0 exists.\r\nReplace %0?"_s},
-        // Replacement is case sensitive: "%N" stays.
-        {u"STR_CASE"_s, {}, u"%N \r\n"_s},
-        // Eleven parameters: the marker "%10" is eaten by "%1" before its own turn.
+        {u"STR_CASE"_s, {}, u"%N \r\n"_s}, // case sensitive
+        // "%10" is eaten by "%1" before its own turn.
         {u"STR_ELEVEN"_s, eleven, u"pa.|pb.|pb.0"_s},
-        // A parameter that holds a later marker is replaced in that marker's turn, not one
-        // that holds an earlier marker.
+        // A parameter that holds a later marker is replaced in that marker's turn.
         {u"STR_CHAIN"_s, {u"%1"_s, u"x"_s}, u"[x][x]"_s},
         {u"STR_CHAIN"_s, {u"y"_s, u"%0"_s}, u"[y][%0]"_s},
+        // A missing key comes back as it stands.
+        {u"STR_MISSING%n"_s, {u"x"_s}, u"STR_MISSING%n"_s},
     };
-    for (const auto& [key, params, text] : cases)
+    for (const auto& [key, params, text] : withParameters)
         EXPECT_EQ(localizer.GetStringPar(key, params), text) << params.join(u',').toStdString();
-    EXPECT_EQ(localizer.GetString(u"STR_FILE"_s), u"The file %0 exists.%nReplace %0?"_s);
 }
 
 TEST_F(LocalizerStrings, LowerLayersReadTextsThroughTheInstalledLookup) {
@@ -147,23 +137,20 @@ TEST_F(LocalizerLanguages, FormTable) {
         {u"FRMMAIN_cmdOk__caption"_s, QString()}, // form keys compare exactly
         {u"frmA_opt_0_caption"_s, u"zero"_s},
         {u"frmA_opt_1_caption"_s, u"one"_s},
-        {u"frmB_opt_0_caption"_s, u"B"_s},
-    };
+        {u"frmB_opt_0_caption"_s, u"B"_s}};
     for (const auto& [key, text] : cases)
         EXPECT_EQ(localizer.GetFormText(key), text) << key.toStdString();
 }
 
 TEST_F(LocalizerLanguages, DamagedFormsFailTheLoadAfterTheStrings) {
     const QString control = u"<c name=\"cmdOk\" index=\"\"><caption>OK</caption></c>"_s;
+    // A comment among a form's controls, the same control twice, the same form twice (its title
+    // key repeats), a control without its index attribute.
     const std::pair<QString, int> cases[] = {
-        // A comment among a form's controls.
         {u"<form name=\"frmA\" caption=\"A\"><!-- no -->"_s + control + u"</form>"_s,
          FailureNumber::ObjectNotSet},
-        // The same control twice.
         {u"<form name=\"frmA\" caption=\"A\">"_s + control + control + u"</form>"_s, 457},
-        // The same form twice repeats its title key.
         {u"<form name=\"frmA\" caption=\"A\"/><form name=\"frmA\" caption=\"A\"/>"_s, 457},
-        // A control without its index attribute.
         {u"<form name=\"frmA\" caption=\"A\"><c name=\"cmdOk\"/></form>"_s,
          FailureNumber::ObjectNotSet},
     };
@@ -193,13 +180,11 @@ TEST_F(LocalizerLanguages, Catalogue) {
     EXPECT_TRUE(localizer.IsLanguageInstalled(u"de-de"_s));
     EXPECT_FALSE(localizer.IsLanguageInstalled(u"fr-fr"_s));
     EXPECT_FALSE(localizer.IsLanguageInstalled(u"it-it"_s));
-
     // A record without its enabled field is a bounds failure.
     addLanguage(u"de-de"_s, u"Deutsch"_s);
     EXPECT_THROW(localizer.IsLanguageInstalled(u"de-de"_s), Failure);
     EXPECT_THROW(localizer.GetAvaliableLanguage(list), Failure);
     EXPECT_THROW(localizer.SetLanguage(u"de-de"_s), Failure);
-
     // No catalogue: no languages, and the list is left alone.
     props.DeletePropSection(u"languages"_s);
     list = {QStringList{u"kept"_s}, QStringList{}};
@@ -228,8 +213,7 @@ using LocalizerFonts = LocalizerFixture;
 
 TEST_F(LocalizerFonts, CodePagesAndFonts) {
     clsXMLocalizer localizer(props);
-    // One locale for each code page, and the ones whose code page differs from that of their
-    // language.
+    // A locale of each code page, and the ones whose code page differs from their language's.
     const std::pair<int, int> codePages[] = {
         {1033, 1252}, {1045, 1250}, {1049, 1251}, {0x0C1A, 1251}, {0x081A, 1250},
         {1032, 1253}, {1055, 1254}, {1037, 1255}, {1025, 1256},   {1061, 1257},
@@ -238,29 +222,25 @@ TEST_F(LocalizerFonts, CodePagesAndFonts) {
     for (const auto& [locale, codePage] : codePages)
         EXPECT_EQ(localizer.GetCodePage(locale), codePage) << "locale " << locale;
 
-    // Code page, size, name, size after, character set; a named font has fonts of this system
-    // to stand in when it is missing.
+    // Code page, size, name, size after (a larger one stays), character set; a named font has
+    // fonts of this system to stand in when it is missing.
     const std::tuple<int, int, QString, int, int> named[] = {
         {1252, 8, u"Tahoma"_s, 8, 0},
         {932, 8, u"\uFF2D\uFF33\u0020\uFF30\u30B4\u30B7\u30C3\u30AF"_s, 9, 128},
-        {936, 12, u"\u5B8B\u4F53"_s, 12, 134}, // larger than the minimum: stays
+        {936, 12, u"\u5B8B\u4F53"_s, 12, 134},
         {949, 8, u"\uAD74\uB9BC"_s, 9, 129},
-        {950, 8, u"\u65B0\u7D30\u660E\u9AD4"_s, 9, 136},
-    };
-    for (const auto& [codePage, size, name, sizeAfter, charSet] : named) {
+        {950, 8, u"\u65B0\u7D30\u660E\u9AD4"_s, 9, 136}};
+    const std::pair<int, int> unnamed[] = {{1250, 238}, {1251, 204}, {1253, 161}, {1254, 162},
+                                           {1255, 177}, {1256, 178}, {1257, 186}, {874, 1}};
+    auto fonts = std::vector(std::begin(named), std::end(named));
+    for (const auto& [codePage, charSet] : unnamed)
+        fonts.emplace_back(codePage, 8, QString(), 8, charSet);
+    for (const auto& [codePage, size, name, sizeAfter, charSet] : fonts) {
         QFont font(u"Courier"_s, size);
         localizer.SetProperFont(font, codePage);
         EXPECT_EQ(font.family(), name) << codePage;
         EXPECT_EQ(font.pointSize(), sizeAfter) << codePage;
-        EXPECT_GT(font.families().size(), 1) << codePage;
-        EXPECT_EQ(clsXMLocalizer::CharSetOfCodePage(codePage), charSet) << codePage;
-    }
-    const std::pair<int, int> unnamed[] = {{1250, 238}, {1251, 204}, {1253, 161}, {1254, 162},
-                                           {1255, 177}, {1256, 178}, {1257, 186}, {874, 1}};
-    for (const auto& [codePage, charSet] : unnamed) {
-        QFont font(u"Courier"_s, 8);
-        localizer.SetProperFont(font, codePage);
-        EXPECT_TRUE(font.family().isEmpty() && font.pointSize() == 8) << codePage;
+        EXPECT_EQ(font.families().size() > 1, !name.isEmpty()) << codePage;
         EXPECT_EQ(clsXMLocalizer::CharSetOfCodePage(codePage), charSet) << codePage;
     }
 }
