@@ -8,15 +8,19 @@
 #include "platform/modText.h"
 
 #include <QFont>
+#include <memory>
 #include <tuple>
 #include <vector>
 
 namespace {
 
-const QString kForms = u"<form name=\"frmMain\" caption=\"Main window\">"
-                       "<control name=\"cmdOk\" index=\"\"><caption>OK</caption><text>Confirm"
-                       "</text></control><x name=\"lblItem\" index=\"2\"><caption>Second</caption>"
-                       "</x></form>"_s;
+const QString kForms =
+    u"<form name=\"frmMain\" caption=\"Main window\"><control name=\"cmdOk\" index=\"\">"
+    "<caption>OK</caption><text>Confirm</text></control><x name=\"lblItem\" index=\"2\">"
+    "<caption>Second</caption></x></form><!-- outside forms --><form name=\"frmA\" caption=\"A\">"
+    "<c name=\"opt\" index=\"0\"><caption>zero<!-- x --></caption></c><c name=\"opt\" "
+    "index=\"1\"><caption>one</caption></c></form><form name=\"frmB\" caption=\"B\"><c "
+    "name=\"opt\" index=\"0\"><caption>B</caption></c></form>"_s;
 
 } // namespace
 
@@ -35,10 +39,12 @@ TEST_F(LocalizerStrings, StringTableAndParameters) {
                       "</string><string name=\"STR_TWO\"><text>one</text><text>t<b>w</b>o </text>"
                       "</string><!-- a comment --><string name=\"STR_UTF\"><text>Über &amp; "
                       "&lt;x&gt;</text></string>"_s);
-    clsXMLocalizer localizer(props);
-    // Before any language is set every key stands for itself.
-    EXPECT_EQ(localizer.GetString(u"STR_UTF"_s) + localizer.GetLanguage(), u"STR_UTF"_s);
-    ASSERT_TRUE(localizer.SetLanguage(u"en-us"_s));
+    auto localizer = std::make_unique<clsXMLocalizer>(props);
+    // Before any language is set every key stands for itself, for lower layers too.
+    EXPECT_EQ(localizer->GetString(u"STR_UTF"_s) + localizer->GetLanguage(), u"STR_UTF"_s);
+    EXPECT_EQ(localText(u"STR_UTF"_s), u"STR_UTF"_s);
+    ASSERT_TRUE(localizer->SetLanguage(u"en-us"_s));
+    EXPECT_EQ(localText(u"str_utf"_s), u"Über & <x>"_s);
     const std::pair<QString, QString> strings[] = {
         {u"STR_MISSING"_s, u"STR_MISSING"_s},
         {u"Str_Twice"_s, u"second"_s},
@@ -48,7 +54,7 @@ TEST_F(LocalizerStrings, StringTableAndParameters) {
         {u"STR_UTF"_s, u"Über & <x>"_s},
         {u"STR_FILE"_s, u"The file %0 exists.%nReplace %0?"_s}};
     for (const auto& [key, text] : strings)
-        EXPECT_EQ(localizer.GetString(key), text) << key.toStdString();
+        EXPECT_EQ(localizer->GetString(key), text) << key.toStdString();
 
     QStringList eleven;
     for (int i = 0; i <= 10; ++i)
@@ -66,22 +72,10 @@ TEST_F(LocalizerStrings, StringTableAndParameters) {
         {u"STR_MISSING%n"_s, {u"x"_s}, u"STR_MISSING%n"_s},
     };
     for (const auto& [key, params, text] : withParameters)
-        EXPECT_EQ(localizer.GetStringPar(key, params), text) << params.join(u',').toStdString();
-}
-
-TEST_F(LocalizerStrings, LowerLayersReadTextsThroughTheInstalledLookup) {
-    writeLanguage(u"en-us"_s, {}, str(u"STR_ERROR"_s, u"Error!"_s));
-    EXPECT_EQ(localText(u"STR_ERROR"_s), u"STR_ERROR"_s);
-    {
-        clsXMLocalizer localizer(props);
-        // Creating the localiser alone installs nothing.
-        EXPECT_EQ(localText(u"STR_ERROR"_s), u"STR_ERROR"_s);
-        ASSERT_TRUE(localizer.SetLanguage(u"en-us"_s));
-        EXPECT_EQ(localText(u"str_error"_s), u"Error!"_s);
-        EXPECT_EQ(localText(u"STR_NONE"_s), u"STR_NONE"_s);
-    }
-    // Gone with the localiser.
-    EXPECT_EQ(localText(u"STR_ERROR"_s), u"STR_ERROR"_s);
+        EXPECT_EQ(localizer->GetStringPar(key, params), text) << params.join(u',').toStdString();
+    // The lower layers' look-up goes with the localiser.
+    localizer.reset();
+    EXPECT_EQ(localText(u"str_utf"_s), u"str_utf"_s);
 }
 
 using LocalizerLanguages = LocalizerFixture;
@@ -118,14 +112,7 @@ TEST_F(LocalizerLanguages, SetLanguage) {
 }
 
 TEST_F(LocalizerLanguages, FormTable) {
-    writeLanguage(u"en-us"_s,
-                  kForms +
-                      u"<!-- outside forms --><form name=\"frmA\" caption=\"A\"><c name=\"opt\" "
-                      "index=\"0\"><caption>zero<!-- x --></caption></c><c name=\"opt\" "
-                      "index=\"1\"><caption>one</caption></c></form><form name=\"frmB\" "
-                      "caption=\"B\"><c name=\"opt\" index=\"0\"><caption>B</caption></c>"
-                      "</form>"_s,
-                  {});
+    writeLanguage(u"en-us"_s, kForms, {});
     clsXMLocalizer localizer(props);
     ASSERT_NO_THROW(localizer.SetLanguage(u"en-us"_s));
     const std::pair<QString, QString> cases[] = {
@@ -201,8 +188,8 @@ TEST_F(LocalizerLanguages, LanguageFolder) {
     EXPECT_EQ(clsXMLocalizer(props).GetLangPath(), folder);
     // A stored folder keeps its form: no separator is added.
     props.SetProp(u"paths"_s, u"language"_s, home.path() + u"/lang"_s);
-    home.write(u"langen-us.xml"_s, "<langtab><strings><string name=\"STR_X\"><text>found</text>"
-                                   "</string></strings></langtab>");
+    home.write(u"langen-us.xml"_s, "<langtab><strings>" + str(u"STR_X"_s, u"found"_s).toUtf8() +
+                                       "</strings></langtab>");
     clsXMLocalizer localizer(props);
     EXPECT_EQ(localizer.GetLangPath(), home.path() + u"/lang"_s);
     ASSERT_TRUE(localizer.SetLanguage(u"en-us"_s));

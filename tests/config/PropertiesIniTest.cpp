@@ -6,25 +6,19 @@
 
 using namespace Qt::StringLiterals;
 
-TEST(PropertiesIni, DefaultFileAndMissingFile) {
+TEST(PropertiesIni, ReadsSectionsAndEntriesInFileOrder) {
     TestHome home;
     clsProperties ini;
     EXPECT_EQ(ini.IniFileName(), home.file(u"tessaly.ini"_s));
     QStringList list{u"stale"_s};
-    EXPECT_EQ(ini.GetSections(list), -1);
+    EXPECT_EQ(ini.GetSections(list), -1); // no file
     EXPECT_TRUE(list.isEmpty());
     EXPECT_EQ(ini.GetProp(u"a"_s, u"b"_s, u"d"_s), u"d"_s);
     home.write(u"tessaly.ini"_s, "");
-    EXPECT_EQ(ini.GetSections(list), -1);
-}
-
-TEST(PropertiesIni, ReadsSectionsAndEntriesInFileOrder) {
-    TestHome home;
+    EXPECT_EQ(ini.GetSections(list), -1); // an empty one
     home.write(u"tessaly.ini"_s,
                "[this]\r\nDelete=1\r\n\r\n[Preferences]\r\n; a comment\r\nLanguageID = 1033 \r\n"
                "Path=a=b\r\nQuoted=\"x y\"\r\n[Other]\r\nk=v\r\n");
-    clsProperties ini;
-    QStringList list;
     EXPECT_EQ(ini.GetSections(list), 2);
     EXPECT_EQ(list, (QStringList{u"this"_s, u"Preferences"_s, u"Other"_s}));
     EXPECT_EQ(ini.GetPropList(u"preferences"_s, list), 2);
