@@ -13,6 +13,20 @@ constexpr char16_t kWindows1252High[32] = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 };
 
+// The encoding named in an XML declaration at the start of `bytes` ("" when there is none).
+QByteArray declaredXmlEncoding(QByteArrayView bytes) {
+    if (!bytes.startsWith("<?xml"))
+        return {};
+    const qsizetype end = bytes.indexOf("?>");
+    if (end < 0)
+        return {};
+    static const QRegularExpression pattern(
+        QStringLiteral("\\sencoding\\s*=\\s*([\"'])([A-Za-z][A-Za-z0-9._:-]*)\\1"));
+    const QRegularExpressionMatch match =
+        pattern.match(QString::fromLatin1(bytes.first(end).data(), end));
+    return match.hasMatch() ? match.captured(2).toLatin1() : QByteArray();
+}
+
 enum class XmlEncoding { Auto, Utf8, Latin1, Windows1252, Named };
 
 bool hasByteOrderMark(QByteArrayView bytes) {
@@ -73,19 +87,6 @@ QString decodeWindows1252(QByteArrayView bytes) {
                                                    : static_cast<char16_t>(byte));
     }
     return text;
-}
-
-QByteArray declaredXmlEncoding(QByteArrayView bytes) {
-    if (!bytes.startsWith("<?xml"))
-        return {};
-    const qsizetype end = bytes.indexOf("?>");
-    if (end < 0)
-        return {};
-    static const QRegularExpression pattern(
-        QStringLiteral("\\sencoding\\s*=\\s*([\"'])([A-Za-z][A-Za-z0-9._:-]*)\\1"));
-    const QRegularExpressionMatch match =
-        pattern.match(QString::fromLatin1(bytes.first(end).data(), end));
-    return match.hasMatch() ? match.captured(2).toLatin1() : QByteArray();
 }
 
 bool loadXmlBytes(pugi::xml_document& document, const QByteArray& bytes, unsigned parseOptions) {

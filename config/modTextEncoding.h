@@ -12,10 +12,6 @@
 // free stand for the control characters of the same number.
 QString decodeWindows1252(QByteArrayView bytes);
 
-// The encoding named in an XML declaration at the start of `bytes` (as written, "" when there
-// is none). Only a declaration in an ASCII-compatible encoding is seen.
-QByteArray declaredXmlEncoding(QByteArrayView bytes);
-
 // Parses an XML file's bytes into `document` in the encoding its byte-order mark or declaration
 // names: UTF-8 (the default; bytes that are not UTF-8 at all are taken as Windows-1252), UTF-16
 // with a mark, ISO-8859-1, Windows-1252, and any other encoding the toolkit knows by name. The
