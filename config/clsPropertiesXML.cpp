@@ -74,6 +74,32 @@ short fillNames(const pugi::xpath_node_set& nodes, QStringList& names) {
     return static_cast<short>(names.size() - 1);
 }
 
+// Reads a default preferences file; false when it cannot be read or is not one.
+bool loadDefaults(const QString& file, pugi::xml_document& defaults) {
+    QFile in(file);
+    return in.open(QIODevice::ReadOnly) && loadXmlBytes(defaults, in.readAll(), kParseOptions) &&
+           std::string_view(defaults.document_element().name()) == "APPLICATIONS";
+}
+
+// Appends to `target` each key of `section` that it lacks, with the default's text; gives the
+// number of keys appended. A default without text is passed over: a key stored without text
+// could never be given a value by SetProp.
+int addMissingKeys(const pugi::xml_node& section, pugi::xml_node& target) {
+    int added = 0;
+    for (const pugi::xml_node& key : section.children("KEY")) {
+        const char* name = key.attribute("name").value();
+        const pugi::xml_node value = key.first_child();
+        if (!value || (value.type() != pugi::node_pcdata && value.type() != pugi::node_cdata) ||
+            target.find_child_by_attribute("KEY", "name", name))
+            continue;
+        pugi::xml_node created = target.append_child("KEY");
+        created.append_attribute("name").set_value(name);
+        created.append_child(pugi::node_pcdata).set_value(value.value());
+        ++added;
+    }
+    return added;
+}
+
 // Writes every top-level node on its own line, each element without indentation, as the file
 // has always looked: the declaration, CR LF, the whole tree on one line.
 struct ByteWriter : pugi::xml_writer {
@@ -269,12 +295,8 @@ short clsPropertiesXML::SetPropList(const QString& section, const QStringList& l
 
 int clsPropertiesXML::AddMissingDefaults(const QString& defaultsFile) {
     ensureInitialized();
-    QFile in(defaultsFile);
-    if (!in.open(QIODevice::ReadOnly))
-        return -1;
     pugi::xml_document defaults;
-    if (!loadXmlBytes(defaults, in.readAll(), kParseOptions) ||
-        std::string_view(defaults.document_element().name()) != "APPLICATIONS")
+    if (!loadDefaults(defaultsFile, defaults))
         return -1;
     const std::string application = utf8(mApplicationName);
     const pugi::xml_node from =
@@ -288,27 +310,16 @@ int clsPropertiesXML::AddMissingDefaults(const QString& defaultsFile) {
 
     int added = 0;
     for (const pugi::xml_node& section : from.children("SECTION")) {
-        const char* sectionName = section.attribute("name").value();
-        pugi::xml_node target =
-            mSectionsNode.find_child_by_attribute("SECTION", "name", sectionName);
+        const char* name = section.attribute("name").value();
+        pugi::xml_node target = mSectionsNode.find_child_by_attribute("SECTION", "name", name);
         if (!target) {
             target = mSectionsNode.append_child("SECTION");
-            target.append_attribute("name").set_value(sectionName);
+            target.append_attribute("name").set_value(name);
             mDirty = true;
         }
-        for (const pugi::xml_node& key : section.children("KEY")) {
-            const char* keyName = key.attribute("name").value();
-            const pugi::xml_node value = key.first_child();
-            // A key without text would lock the key: SetProp can never give it a value.
-            if (!value || (value.type() != pugi::node_pcdata && value.type() != pugi::node_cdata) ||
-                target.find_child_by_attribute("KEY", "name", keyName))
-                continue;
-            pugi::xml_node created = target.append_child("KEY");
-            created.append_attribute("name").set_value(keyName);
-            created.append_child(pugi::node_pcdata).set_value(value.value());
-            mDirty = true;
-            ++added;
-        }
+        const int keys = addMissingKeys(section, target);
+        mDirty = mDirty || keys > 0;
+        added += keys;
     }
     return added;
 }
