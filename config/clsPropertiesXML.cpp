@@ -100,8 +100,7 @@ int addMissingKeys(const pugi::xml_node& section, pugi::xml_node& target) {
     return added;
 }
 
-// Writes every top-level node on its own line, each element without indentation, as the file
-// has always looked: the declaration, CR LF, the whole tree on one line.
+// Collects what the document prints.
 struct ByteWriter : pugi::xml_writer {
     QByteArray bytes;
     void write(const void* data, size_t size) override {
@@ -194,6 +193,8 @@ bool clsPropertiesXML::SaveXmlFile() {
         ensureInitialized();
         if (mKeepFile)
             return false;
+        // Every top-level node on its own line, each element without indentation, as the file
+        // has always looked: the declaration, CR LF, the whole tree on one line.
         ByteWriter writer;
         for (pugi::xml_node node = mDocument.first_child(); node; node = node.next_sibling()) {
             node.print(writer, "", pugi::format_raw, pugi::encoding_utf8);
