@@ -1,5 +1,6 @@
 #include "config/clsProperties.h"
 
+#include "config/modTextEncoding.h"
 #include "platform/AppPaths.h"
 
 #include <QFile>
@@ -38,6 +39,17 @@ QStringList throughListBuffer(const QStringList& items) {
     return data.split(QChar(u'\0'));
 }
 
+// The text of the file: UTF-16 or UTF-8 by its byte-order mark, else UTF-8 when the bytes are
+// that, else the Windows code page in which older installations wrote their settings.
+QString decodeIni(const QByteArray& bytes) {
+    if (const auto marked = QStringConverter::encodingForData(bytes);
+        marked && *marked != QStringConverter::Utf8)
+        return QStringDecoder(*marked).decode(bytes);
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    const QString text = utf8.decode(bytes);
+    return utf8.hasError() ? decodeWindows1252(bytes) : text;
+}
+
 } // namespace
 
 clsProperties::clsProperties() {
@@ -50,14 +62,9 @@ void clsProperties::SetDefaultIniFileName() {
 
 bool clsProperties::read(Contents& contents) const {
     QFile file(mIniFileName);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!file.open(QIODevice::ReadOnly))
         return false;
-    // Older installations wrote their settings in the Windows code page rather than UTF-8.
-    const QByteArray bytes = file.readAll();
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    QString text = utf8.decode(bytes);
-    if (utf8.hasError())
-        text = QStringDecoder(QStringDecoder::Latin1).decode(bytes);
+    const QString text = decodeIni(file.readAll());
     const QStringList lines = text.split(QLatin1Char('\n'));
     Section* current = nullptr;
     for (QString line : lines) {

@@ -1,5 +1,6 @@
 #include "config/clsPropertiesXML.h"
 
+#include "config/modTextEncoding.h"
 #include "platform/AppPaths.h"
 #include "platform/Failure.h"
 
@@ -15,6 +16,9 @@ const char* const kSource = "clsPropertiesXML";
 
 // The text of a new preferences file; the declaration is added as a node of its own.
 const char kNewDocument[] = "<APPLICATIONS>\r\n</APPLICATIONS>";
+
+constexpr unsigned kParseOptions =
+    pugi::parse_default | pugi::parse_declaration | pugi::parse_pi | pugi::parse_comments;
 
 std::string utf8(const QString& text) {
     return text.toStdString();
@@ -70,8 +74,33 @@ short fillNames(const pugi::xpath_node_set& nodes, QStringList& names) {
     return static_cast<short>(names.size() - 1);
 }
 
-// Writes every top-level node on its own line, each element without indentation, as the file
-// has always looked: the declaration, CR LF, the whole tree on one line.
+// Reads a default preferences file; false when it cannot be read or is not one.
+bool loadDefaults(const QString& file, pugi::xml_document& defaults) {
+    QFile in(file);
+    return in.open(QIODevice::ReadOnly) && loadXmlBytes(defaults, in.readAll(), kParseOptions) &&
+           std::string_view(defaults.document_element().name()) == "APPLICATIONS";
+}
+
+// Appends to `target` each key of `section` that it lacks, with the default's text; gives the
+// number of keys appended. A default without text is passed over: a key stored without text
+// could never be given a value by SetProp.
+int addMissingKeys(const pugi::xml_node& section, pugi::xml_node& target) {
+    int added = 0;
+    for (const pugi::xml_node& key : section.children("KEY")) {
+        const char* name = key.attribute("name").value();
+        const pugi::xml_node value = key.first_child();
+        if (!value || (value.type() != pugi::node_pcdata && value.type() != pugi::node_cdata) ||
+            target.find_child_by_attribute("KEY", "name", name))
+            continue;
+        pugi::xml_node created = target.append_child("KEY");
+        created.append_attribute("name").set_value(name);
+        created.append_child(pugi::node_pcdata).set_value(value.value());
+        ++added;
+    }
+    return added;
+}
+
+// Collects what the document prints.
 struct ByteWriter : pugi::xml_writer {
     QByteArray bytes;
     void write(const void* data, size_t size) override {
@@ -164,6 +193,8 @@ bool clsPropertiesXML::SaveXmlFile() {
         ensureInitialized();
         if (mKeepFile)
             return false;
+        // Every top-level node on its own line, each element without indentation, as the file
+        // has always looked: the declaration, CR LF, the whole tree on one line.
         ByteWriter writer;
         for (pugi::xml_node node = mDocument.first_child(); node; node = node.next_sibling()) {
             node.print(writer, "", pugi::format_raw, pugi::encoding_utf8);
@@ -263,6 +294,37 @@ short clsPropertiesXML::SetPropList(const QString& section, const QStringList& l
     return 0;
 }
 
+int clsPropertiesXML::AddMissingDefaults(const QString& defaultsFile) {
+    ensureInitialized();
+    pugi::xml_document defaults;
+    if (!loadDefaults(defaultsFile, defaults))
+        return -1;
+    const std::string application = utf8(mApplicationName);
+    const pugi::xml_node from =
+        defaults.document_element()
+            .find_child_by_attribute("APPLICATION", "name", application.c_str())
+            .child("SECTIONS");
+    if (!from)
+        return 0;
+    if (!mSectionsNode)
+        raiseObjectNotSet(QString::fromLatin1(kSource));
+
+    int added = 0;
+    for (const pugi::xml_node& section : from.children("SECTION")) {
+        const char* name = section.attribute("name").value();
+        pugi::xml_node target = mSectionsNode.find_child_by_attribute("SECTION", "name", name);
+        if (!target) {
+            target = mSectionsNode.append_child("SECTION");
+            target.append_attribute("name").set_value(name);
+            mDirty = true;
+        }
+        const int keys = addMissingKeys(section, target);
+        mDirty = mDirty || keys > 0;
+        added += keys;
+    }
+    return added;
+}
+
 void clsPropertiesXML::DeleteApplication(const QString& application) {
     if (!mInitialized)
         return;
@@ -325,11 +387,7 @@ void clsPropertiesXML::loadDocument(const QString& file) {
     if (in.open(QIODevice::ReadOnly)) {
         const QByteArray bytes = in.readAll();
         in.close();
-        loaded = mDocument.load_buffer(bytes.constData(), static_cast<size_t>(bytes.size()),
-                                       pugi::parse_default | pugi::parse_declaration |
-                                           pugi::parse_pi | pugi::parse_comments,
-                                       pugi::encoding_utf8) &&
-                 mDocument.document_element();
+        loaded = loadXmlBytes(mDocument, bytes, kParseOptions) && mDocument.document_element();
     }
     if (loaded)
         return;

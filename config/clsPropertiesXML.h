@@ -11,7 +11,8 @@
 //   </SECTIONS></APPLICATION></APPLICATIONS>
 //
 // Reads and writes go to the subtree of the current application; values are strings. The file
-// is written on SaveXmlFile() and when the store ends with unsaved changes. A file that cannot
+// is read in the encoding it names and written as UTF-8, on SaveXmlFile() and when the store
+// ends with unsaved changes. A file that cannot
 // be read is kept as "<file>.bak" before the store starts afresh.
 class clsPropertiesXML {
 public:
@@ -43,6 +44,16 @@ public:
     void DeleteApplication(const QString& application);
     void DeletePropSection(const QString& section);
     void DeleteProp(const QString& section, const QString& key);
+
+    // Adds to the current application's subtree each section and key of the default preferences
+    // file (same tree, the installed tessaly.xml) that the store lacks, in the defaults' order.
+    // A value the store has is never changed, not even an empty one; a default without text
+    // is not added (it reads as its default all the same). Marks the store dirty when it added
+    // anything. Returns the number of keys added, or -1 when the defaults file cannot be read
+    // or is not a preferences file; the store is then left as it was. A store without its
+    // application (a file with a foreign root) raises the missing-object failure, as every
+    // access does.
+    int AddMissingDefaults(const QString& defaultsFile);
 
     // Whether the document differs from the file (it stays set after a save).
     bool isDirty() const { return mDirty; }

@@ -1,6 +1,7 @@
 #include "config/clsXMLocalizer.h"
 
 #include "config/clsPropertiesXML.h"
+#include "config/modTextEncoding.h"
 #include "platform/AppPaths.h"
 #include "platform/Failure.h"
 #include "platform/modLocale.h"
@@ -87,7 +88,6 @@ bool isEnglishLocale(int locale) {
 
 struct FontRule {
     int codePage;
-    int charSet;
     const char16_t* name; // empty: the system's choice
     int minimumSize;      // 0: none
     // Families that stand in on this system when the named one is not installed; the font
@@ -96,37 +96,27 @@ struct FontRule {
 };
 
 const FontRule kFontRules[] = {
-    {1252, 0, u"Tahoma", 0, {"DejaVu Sans", "Liberation Sans"}},
+    {1252, u"Tahoma", 0, {"DejaVu Sans", "Liberation Sans"}},
     {932,
-     128,
      u"\uFF2D\uFF33\u0020\uFF30\u30B4\u30B7\u30C3\u30AF",
      9,
      {"Noto Sans CJK JP", "IPAPGothic", "VL PGothic", "Droid Sans Fallback"}},
     {936,
-     134,
      u"\u5B8B\u4F53",
      9,
      {"Noto Sans CJK SC", "WenQuanYi Zen Hei", "AR PL UMing CN", "Droid Sans Fallback"}},
     {949,
-     129,
      u"\uAD74\uB9BC",
      9,
      {"Noto Sans CJK KR", "NanumGothic", "UnDotum", "Droid Sans Fallback"}},
     {950,
-     136,
      u"\u65B0\u7D30\u660E\u9AD4",
      9,
      {"Noto Sans CJK TC", "AR PL UMing TW", "WenQuanYi Zen Hei", "Droid Sans Fallback"}},
-    {1250, 238, u"", 0, {}},
-    {1251, 204, u"", 0, {}},
-    {1253, 161, u"", 0, {}},
-    {1254, 162, u"", 0, {}},
-    {1255, 177, u"", 0, {}},
-    {1256, 178, u"", 0, {}},
-    {1257, 186, u"", 0, {}},
 };
 
-const FontRule kOtherCodePage{0, 1, u"", 0, {}};
+// Every other code page leaves the font to the system, whose default covers its letters.
+const FontRule kOtherCodePage{0, u"", 0, {}};
 
 const FontRule& fontRule(int codePage) {
     for (const FontRule& rule : kFontRules)
@@ -157,9 +147,7 @@ struct clsXMLocalizer::Private {
         QFile file(languageFile);
         if (!file.open(QIODevice::ReadOnly))
             return false;
-        const QByteArray bytes = file.readAll();
-        return static_cast<bool>(document.load_buffer(
-            bytes.constData(), static_cast<size_t>(bytes.size()), kParseOptions));
+        return loadXmlBytes(document, file.readAll(), kParseOptions);
     }
 
     void setStringEntry(const QString& key, const QString& value) {
@@ -438,10 +426,6 @@ int clsXMLocalizer::GetCodePage(int locale) const {
 
 bool clsXMLocalizer::IsEnglishLocale(int locale) {
     return isEnglishLocale(locale);
-}
-
-int clsXMLocalizer::CharSetOfCodePage(int codePage) {
-    return fontRule(codePage).charSet;
 }
 
 void clsXMLocalizer::SetThreadLocale(int lcid) {

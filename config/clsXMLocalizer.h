@@ -34,11 +34,6 @@ public:
     // Module functions of the localiser live in config/modLanguage.h (getSystemLanguageCode,
     // isLanguageAvailable) and platform/modLocale.h (langIdToKey); GetOsName below.
 
-    // The character set that goes with a code page (0 western, 128 Japanese, 134 simplified
-    // Chinese, ...). Fonts here have no character set of their own; the number is kept for
-    // whoever needs to know it.
-    static int CharSetOfCodePage(int codePage);
-
     // The locale whose code page decides the fonts of windows: 0, the default, takes the
     // system's (the user's locale); any other value stands for it.
     void SetThreadLocale(int lcid);

@@ -23,6 +23,7 @@ constexpr std::array kLocaleIds{
     LocaleId{QLocale::German, QLocale::Switzerland, 0x0807},
     LocaleId{QLocale::German, QLocale::Austria, 0x0C07},
     LocaleId{QLocale::German, QLocale::Luxembourg, 0x1007},
+    LocaleId{QLocale::German, QLocale::Liechtenstein, 0x1407},
     LocaleId{QLocale::German, QLocale::AnyTerritory, 0x0407},
     LocaleId{QLocale::French, QLocale::France, 0x040C},
     LocaleId{QLocale::French, QLocale::Belgium, 0x080C},
