@@ -1,19 +1,15 @@
 #include "imaging/modFreeImage.h"
 
+#include "platform/ChildProcess.h"
 #include <FreeImage.h>
-#include <QDeadlineTimer>
+
 #include <QFile>
 #include <algorithm>
-#include <cerrno>
-#include <csignal>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <dlfcn.h>
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -312,42 +308,43 @@ QImage loadHere(const QString& path, int formatCode) {
     return converted ? picture : QImage();
 }
 
-} // namespace
-
-namespace {
-
-bool writeAll(int fd, const void* data, std::size_t size) {
-    const auto* bytes = static_cast<const char*>(data);
-    while (size > 0) {
-        const ssize_t n = ::write(fd, bytes, size);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        bytes += n;
-        size -= std::size_t(n);
-    }
-    return true;
+// The child's answer: a header (picture or not, length of the error text, width, height), the
+// error text in UTF-8, then the pixel rows of 32 bits.
+QByteArray encodeLoad(const QImage& picture, const QString& error) {
+    const QByteArray text = error.toUtf8();
+    const std::int32_t header[4] = {picture.isNull() ? 0 : 1, std::int32_t(text.size()),
+                                    picture.width(), picture.height()};
+    QByteArray bytes(reinterpret_cast<const char*>(header), sizeof header);
+    bytes += text;
+    for (int y = 0; y < picture.height(); ++y)
+        bytes.append(reinterpret_cast<const char*>(picture.constScanLine(y)),
+                     qsizetype(picture.width()) * 4);
+    return bytes;
 }
 
-// Reads exactly `size` bytes, waiting at most until `deadline`.
-bool readAll(int fd, void* data, std::size_t size, const QDeadlineTimer& deadline) {
-    auto* bytes = static_cast<char*>(data);
-    while (size > 0) {
-        pollfd wait{fd, POLLIN, 0};
-        const int ready = ::poll(&wait, 1, int(std::max<qint64>(deadline.remainingTime(), 0)));
-        if (ready < 0 && errno == EINTR)
-            continue;
-        if (ready <= 0)
-            return false;
-        const ssize_t n = ::read(fd, bytes, size);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        bytes += n;
-        size -= std::size_t(n);
-    }
+// Reads the child's answer back; false when it does not hold together.
+bool decodeLoad(const QByteArray& bytes, QImage& picture, QString& error) {
+    std::int32_t header[4];
+    if (bytes.size() < qsizetype(sizeof header))
+        return false;
+    std::memcpy(header, bytes.constData(), sizeof header);
+    const qsizetype textSize = header[1];
+    if (textSize < 0 || textSize > bytes.size() - qsizetype(sizeof header))
+        return false;
+    error = QString::fromUtf8(bytes.constData() + sizeof header, textSize);
+    const char* pixels = bytes.constData() + sizeof header + textSize;
+    const qsizetype pixelBytes = bytes.size() - qsizetype(sizeof header) - textSize;
+    if (header[0] != 1)
+        return pixelBytes == 0;
+    const int width = header[2], height = header[3];
+    if (width <= 0 || height <= 0 || quint64(width) * quint64(height) > kMaxFreeImagePixels ||
+        pixelBytes != qsizetype(width) * height * 4)
+        return false;
+    picture = QImage(width, height, QImage::Format_RGB32);
+    if (picture.isNull())
+        return false;
+    for (int y = 0; y < height; ++y)
+        std::memcpy(picture.scanLine(y), pixels + qsizetype(y) * width * 4, std::size_t(width) * 4);
     return true;
 }
 
@@ -362,63 +359,25 @@ QImage FreeImageLoadPicture(const QString& path, int formatCode) {
     // FreeImage's decoders can overrun their buffers on damaged files. The picture is decoded in
     // a child process, so that such a file costs only that child: the program goes on without
     // a picture.
-    int fds[2];
-    if (::pipe2(fds, O_CLOEXEC) != 0)
+    const ChildRun run = runInChild(
+        [&] {
+            lastError().clear();
+            const QImage picture = loadHere(path, formatCode);
+            return encodeLoad(picture, lastError());
+        },
+        20000, qsizetype(kMaxFreeImagePixels) * 4 + 65536 + 16);
+    if (!run.started)
         return loadHere(path, formatCode);
-    const pid_t child = ::fork();
-    if (child < 0) {
-        ::close(fds[0]);
-        ::close(fds[1]);
-        return loadHere(path, formatCode);
-    }
-    if (child == 0) {
-        ::close(fds[0]);
-        // A decoder fault ends the child quietly; the parent reports it.
-        for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
-            ::signal(fault, SIG_DFL);
-        lastError().clear();
-        const QImage picture = loadHere(path, formatCode);
-        const QByteArray error = lastError().toUtf8();
-        const std::int32_t header[4] = {picture.isNull() ? 0 : 1, std::int32_t(error.size()),
-                                        picture.width(), picture.height()};
-        bool ok = writeAll(fds[1], header, sizeof header) &&
-                  writeAll(fds[1], error.constData(), std::size_t(error.size()));
-        for (int y = 0; ok && y < picture.height(); ++y)
-            ok = writeAll(fds[1], picture.constScanLine(y), std::size_t(picture.width()) * 4);
-        ::_exit(ok ? 0 : 1);
-    }
-    ::close(fds[1]);
-    const QDeadlineTimer deadline(20000);
-    std::int32_t header[4] = {0, 0, 0, 0};
-    bool complete = readAll(fds[0], header, sizeof header, deadline);
-    QByteArray error;
     QImage picture;
-    if (complete && header[1] >= 0 && header[1] <= 65536) {
-        error.resize(header[1]);
-        complete = readAll(fds[0], error.data(), std::size_t(error.size()), deadline);
-    } else {
-        complete = false;
-    }
-    if (complete && header[0] == 1) {
-        const quint64 pixels = quint64(std::uint32_t(header[2])) * std::uint32_t(header[3]);
-        if (header[2] > 0 && header[3] > 0 && pixels <= kMaxFreeImagePixels)
-            picture = QImage(header[2], header[3], QImage::Format_RGB32);
-        complete = !picture.isNull();
-        for (int y = 0; complete && y < picture.height(); ++y)
-            complete =
-                readAll(fds[0], picture.scanLine(y), std::size_t(picture.width()) * 4, deadline);
-    }
-    ::close(fds[0]);
-    int status = 0;
-    if (!complete)
-        ::kill(child, SIGKILL);
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    if (!complete || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-        RecordFreeImageError(QStringLiteral("FreeImage failed to decode ") + path, true);
+    QString error;
+    if (!run.completed || !decodeLoad(run.bytes, picture, error)) {
+        RecordFreeImageError(
+            QStringLiteral("FreeImage failed to decode %1: %2")
+                .arg(path, run.completed ? QStringLiteral("its answer was damaged") : run.failure),
+            true);
         return {};
     }
     if (!error.isEmpty())
-        RecordFreeImageError(QString::fromUtf8(error), true);
-    return header[0] == 1 ? picture : QImage();
+        RecordFreeImageError(error, true);
+    return picture;
 }

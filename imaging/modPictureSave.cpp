@@ -47,7 +47,7 @@ bool SavePictureBoxImage(const QString& filePath, const QImage& picture, int kin
 }
 
 bool SavePictureBoxImage(const QString& filePath, const QImage& picture, int kind,
-                         const QString& pictureName) {
+                         const QString& pictureName, StatusSink& sink) {
     const qsizetype dot = filePath.lastIndexOf(QLatin1Char('.'));
     const QString base = dot < 0 ? filePath : filePath.left(dot + 1);
     try {
@@ -61,7 +61,7 @@ bool SavePictureBoxImage(const QString& filePath, const QImage& picture, int kin
                        QFile::encodeName(base + QStringLiteral("bmp")), 90, 0);
             break;
         case 2: {
-            cDIBSectionSave writer;
+            cDIBSectionSave writer(sink);
             int bits = 8;
             writer.Save(picture, pictureName, nullptr, base + QStringLiteral("gif"), bits);
             break;

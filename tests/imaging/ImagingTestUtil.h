@@ -1,18 +1,24 @@
 #pragma once
 
+#include "platform/StatusSink.h"
+
 #include <QByteArray>
 #include <QImage>
 #include <QString>
 #include <cstdint>
 #include <vector>
 
-// Helpers shared by the imaging tests: pictures made on the spot and an independent GIF decoder.
+// Helpers shared by the imaging tests: pictures made on the spot, encoders, an independent GIF
+// decoder and a sink that records what an engine reports.
 namespace imagingtest {
 
 // A smooth picture with some noise and a few hard edges, like a photograph.
 QImage photoLike(int width, int height, std::uint32_t seed = 1);
 // Pixels of random colours.
 QImage noise(int width, int height, std::uint32_t seed = 1);
+// The picture in a file format: Qt's writer for "BMP", "PNG", "JPG"; FreeImage's for "TIFF"
+// and "TGA" (24 bits).
+QByteArray encoded(const QImage& picture, const char* format);
 
 // What giflib reads from a GIF file.
 struct DecodedGif {
@@ -24,7 +30,6 @@ struct DecodedGif {
     std::vector<QRgb> colours;         // the global colour table
     std::vector<std::uint8_t> indices; // top row first
     std::vector<QByteArray> comments;
-    bool hasTransparent = false;
     int transparentIndex = -1;
     bool hasPlainText = false;
     QImage picture() const; // the indices through the colour table
@@ -37,5 +42,21 @@ QImage mappedPicture(const QImage& picture, int bits, std::vector<QRgb>* palette
 
 QByteArray readFile(const QString& path);
 void writeFile(const QString& path, const QByteArray& bytes);
+
+// Records every question (answering from `answers`, then with the default button), every
+// progress report and every pause.
+struct RecordingSink : StatusSink {
+    struct Question {
+        QString text;
+        int style;
+    };
+    std::vector<int> answers;
+    std::vector<Question> questions;
+    std::vector<std::pair<int, int>> progressReports;
+    int pauses = 0;
+    int ask(const QString& text, int style, const QString& title) override;
+    void progress(int done, int total) override { progressReports.emplace_back(done, total); }
+    void breathe() override { ++pauses; }
+};
 
 } // namespace imagingtest
