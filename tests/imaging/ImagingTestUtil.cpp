@@ -19,12 +19,12 @@ QImage photoLike(int width, int height, std::uint32_t seed) {
     QImage picture(width, height, QImage::Format_RGB32);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
-            int r = int(128 + 100 * std::sin(x / 37.0) + 20 * std::cos(y / 11.0));
-            int g = int(128 + 90 * std::cos((x + y) / 53.0));
-            int b = int(128 + 100 * std::sin(y / 29.0) * std::cos(x / 71.0));
-            if ((x / 40 + y / 30) % 5 == 3) // a few hard-edged patches
-                r = 230, g = 40, b = 60;
+            const bool patch = (x / 40 + y / 30) % 5 == 3; // a few hard-edged patches
             const int n = grain(random);
+            const int r =
+                patch ? 230 : int(128 + 100 * std::sin(x / 37.0) + 20 * std::cos(y / 11.0));
+            const int g = patch ? 40 : int(128 + 90 * std::cos((x + y) / 53.0));
+            const int b = patch ? 60 : int(128 + 100 * std::sin(y / 29.0) * std::cos(x / 71.0));
             picture.setPixel(x, y,
                              qRgb(std::clamp(r + n, 0, 255), std::clamp(g + n, 0, 255),
                                   std::clamp(b + n, 0, 255)));
@@ -32,23 +32,12 @@ QImage photoLike(int width, int height, std::uint32_t seed) {
     return picture;
 }
 
-QImage noise(int width, int height, std::uint32_t seed) {
-    std::mt19937 random(seed);
-    QImage picture(width, height, QImage::Format_RGB32);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            picture.setPixel(x, y, 0xFF000000u | (random() & 0xFFFFFFu));
-    return picture;
-}
-
 QByteArray encoded(const QImage& picture, const char* format) {
-    const FREE_IMAGE_FORMAT freeImage = qstrcmp(format, "TIFF") == 0  ? FIF_TIFF
-                                        : qstrcmp(format, "TGA") == 0 ? FIF_TARGA
-                                                                      : FIF_UNKNOWN;
     QByteArray bytes;
-    if (freeImage == FIF_UNKNOWN) {
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    const bool tiff = qstrcmp(format, "TIFF") == 0;
+    if (!tiff && qstrcmp(format, "TGA") != 0) {
         picture.save(&buffer, format);
         return bytes;
     }
@@ -58,7 +47,7 @@ QByteArray encoded(const QImage& picture, const char* format) {
                                                  FI_RGBA_GREEN_MASK, FI_RGBA_BLUE_MASK, TRUE);
     FIBITMAP* out = FreeImage_ConvertTo24Bits(dib);
     FIMEMORY* memory = FreeImage_OpenMemory();
-    FreeImage_SaveToMemory(freeImage, out, memory, 0);
+    FreeImage_SaveToMemory(tiff ? FIF_TIFF : FIF_TARGA, out, memory, 0);
     BYTE* data = nullptr;
     DWORD size = 0;
     FreeImage_AcquireMemory(memory, &data, &size);
@@ -83,13 +72,10 @@ DecodedGif decodeGif(const QString& path) {
     DecodedGif result;
     int error = 0;
     GifFileType* gif = DGifOpenFileName(QFile::encodeName(path).constData(), &error);
-    if (!gif) {
-        result.error = QString::fromLatin1(GifErrorString(error));
-        return result;
-    }
-    if (DGifSlurp(gif) != GIF_OK || gif->ImageCount < 1) {
-        result.error = QString::fromLatin1(GifErrorString(gif->Error));
-        DGifCloseFile(gif, &error);
+    if (!gif || DGifSlurp(gif) != GIF_OK || gif->ImageCount < 1) {
+        result.error = QString::fromLatin1(GifErrorString(gif ? gif->Error : error));
+        if (gif)
+            DGifCloseFile(gif, &error);
         return result;
     }
     result.screenWidth = gif->SWidth;
@@ -106,8 +92,6 @@ DecodedGif decodeGif(const QString& path) {
                           image.RasterBits + std::size_t(result.width) * result.height);
     auto scan = [&](int count, const ExtensionBlock* blocks) {
         for (const ExtensionBlock* b = blocks; b != blocks + count; ++b) {
-            if (b->Function == COMMENT_EXT_FUNC_CODE)
-                result.comments.emplace_back(reinterpret_cast<const char*>(b->Bytes), b->ByteCount);
             if (b->Function == GRAPHICS_EXT_FUNC_CODE && b->ByteCount >= 4 && (b->Bytes[0] & 1))
                 result.transparentIndex = b->Bytes[3];
             result.hasPlainText |= b->Function == PLAINTEXT_EXT_FUNC_CODE;
@@ -145,10 +129,9 @@ void writeFile(const QString& path, const QByteArray& bytes) {
 }
 
 int RecordingSink::ask(const QString& text, int style, const QString&) {
-    questions.push_back({text, style});
-    if (questions.size() <= answers.size())
-        return answers[questions.size() - 1];
-    return msgBoxDefaultAnswer(style);
+    questions.emplace_back(text, style);
+    return questions.size() <= answers.size() ? answers[questions.size() - 1]
+                                              : msgBoxDefaultAnswer(style);
 }
 
 } // namespace imagingtest

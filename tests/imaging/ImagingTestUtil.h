@@ -14,25 +14,19 @@ namespace imagingtest {
 
 // A smooth picture with some noise and a few hard edges, like a photograph.
 QImage photoLike(int width, int height, std::uint32_t seed = 1);
-// Pixels of random colours.
-QImage noise(int width, int height, std::uint32_t seed = 1);
-// The picture in a file format: Qt's writer for "BMP", "PNG", "JPG"; FreeImage's for "TIFF"
-// and "TGA" (24 bits).
+// The picture in a file format: "BMP", "PNG", "JPG" by Qt, "TIFF" and "TGA" by FreeImage.
 QByteArray encoded(const QImage& picture, const char* format);
 
 // What giflib reads from a GIF file.
 struct DecodedGif {
     bool ok = false;
     QString error;
-    int screenWidth = 0, screenHeight = 0;
-    int width = 0, height = 0;
-    bool interlaced = false;
+    int screenWidth = 0, screenHeight = 0, width = 0, height = 0;
+    bool interlaced = false, hasPlainText = false;
+    int transparentIndex = -1;
     std::vector<QRgb> colours;         // the global colour table
     std::vector<std::uint8_t> indices; // top row first
-    std::vector<QByteArray> comments;
-    int transparentIndex = -1;
-    bool hasPlainText = false;
-    QImage picture() const; // the indices through the colour table
+    QImage picture() const;            // the indices through the colour table
 };
 DecodedGif decodeGif(const QString& path);
 
@@ -43,15 +37,10 @@ QImage mappedPicture(const QImage& picture, int bits, std::vector<QRgb>* palette
 QByteArray readFile(const QString& path);
 void writeFile(const QString& path, const QByteArray& bytes);
 
-// Records every question (answering from `answers`, then with the default button), every
-// progress report and every pause.
+// Records questions (answered from `answers`, then by default), progress and pauses.
 struct RecordingSink : StatusSink {
-    struct Question {
-        QString text;
-        int style;
-    };
     std::vector<int> answers;
-    std::vector<Question> questions;
+    std::vector<std::pair<QString, int>> questions; // text and style
     std::vector<std::pair<int, int>> progressReports;
     int pauses = 0;
     int ask(const QString& text, int style, const QString& title) override;

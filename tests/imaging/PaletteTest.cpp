@@ -11,13 +11,13 @@ using imagingtest::RecordingSink;
 
 namespace {
 
-// A picture from a list of colours, one pixel each, left to right, top to bottom.
-QImage pictureOf(const std::vector<QRgb>& colours, int width) {
-    const int height = int((colours.size() + std::size_t(width) - 1) / std::size_t(width));
-    QImage picture(width, height, QImage::Format_RGB32);
-    picture.fill(colours.back());
+using Colours = std::vector<QRgb>;
+
+// A picture of one row, a pixel of each colour.
+QImage rowOf(const Colours& colours) {
+    QImage picture(int(colours.size()), 1, QImage::Format_RGB32);
     for (std::size_t i = 0; i < colours.size(); ++i)
-        picture.setPixel(int(i) % width, int(i) / width, colours[i]);
+        picture.setPixel(int(i), 0, colours[i]);
     return picture;
 }
 
@@ -32,8 +32,6 @@ std::vector<QRgb> paletteOf(const QImage& picture, int maxColours, int depth,
         out.push_back(qRgb(palette.Red(i), palette.Green(i), palette.Blue(i)));
     return out;
 }
-
-using Colours = std::vector<QRgb>;
 
 } // namespace
 
@@ -55,7 +53,6 @@ TEST(Palette, KnownPalettes) {
         // 127 and 128 share the lower half of the first split; 129 lies in the upper half.
         {{qRgb(0, 0, 127), qRgb(0, 0, 128)}, 8, 1, {qRgb(0, 0, 128)}},
         {{qRgb(128, 0, 0), qRgb(129, 0, 0)}, 8, 1, {qRgb(128, 0, 0), qRgb(129, 0, 0)}},
-        {{qRgb(0, 128, 0), qRgb(0, 129, 0)}, 8, 1, {qRgb(0, 128, 0), qRgb(0, 129, 0)}},
         // The folds take the level-one nodes last listed first until three leaves remain.
         {{qRgb(0, 0, 0), qRgb(255, 255, 255), qRgb(100, 0, 0), qRgb(0, 255, 0)},
          3,
@@ -63,21 +60,19 @@ TEST(Palette, KnownPalettes) {
          {qRgb(50, 0, 0), qRgb(255, 255, 255), qRgb(0, 255, 0)}},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(paletteOf(pictureOf(c.pixels, int(c.pixels.size())), c.maxColours, c.depth),
-                  c.expected)
+        EXPECT_EQ(paletteOf(rowOf(c.pixels), c.maxColours, c.depth), c.expected)
             << c.pixels.size() << " colours, at most " << c.maxColours;
 }
 
 TEST(Palette, AFailedFoldAsksTheSaveAndNoEndsIt) {
     ScriptedResponder boxes; // the engine itself shows nothing
-    const QImage twoColours = pictureOf({qRgb(0, 0, 0), qRgb(255, 255, 255)}, 2);
+    const QImage twoColours = rowOf({qRgb(0, 0, 0), qRgb(255, 255, 255)});
     RecordingSink sink;
     sink.answers = {Vb::Yes};
     cDIBSectionSave save(sink);
     EXPECT_EQ(paletteOf(twoColours, 1, 1, &save).size(), 2u);
-    ASSERT_EQ(sink.questions.size(), 1u);
-    EXPECT_EQ(sink.questions[0].text, QStringLiteral("Error in reducing nodes"));
-    EXPECT_EQ(sink.questions[0].style, int(Vb::YesNo));
+    using Question = std::pair<QString, int>;
+    EXPECT_EQ(sink.questions, std::vector{Question("Error in reducing nodes", Vb::YesNo)});
 
     sink.answers = {Vb::Yes, Vb::No};
     try {
@@ -91,25 +86,19 @@ TEST(Palette, AFailedFoldAsksTheSaveAndNoEndsIt) {
     EXPECT_EQ(paletteOf(twoColours, 1, 1).size(), 2u);
     EXPECT_TRUE(boxes.boxes.empty());
     // A depth above 8 has no list to fold from.
-    EXPECT_THROW(paletteOf(pictureOf({qRgb(5, 5, 5), qRgb(200, 5, 5)}, 2), 1, 9), Failure);
+    EXPECT_THROW(paletteOf(rowOf({qRgb(5, 5, 5), qRgb(200, 5, 5)}), 1, 9), Failure);
 }
 
-TEST(Palette, ClosestIndexKnownAnswers) {
+TEST(Palette, ClosestIndexTakesTheLowestOfEqualEntries) {
     cPalette palette;
     EXPECT_EQ(palette.ClosestIndex(1, 2, 3), 0);
-    for (const auto& [r, g, b] :
-         {std::tuple{0, 0, 0}, {255, 255, 255}, {100, 0, 0}, {101, 0, 0}, {100, 0, 0}})
-        palette.Add(std::uint8_t(r), std::uint8_t(g), std::uint8_t(b));
-    const struct {
-        int r, g, b, index;
-    } cases[] = {{50, 0, 0, 1},      {51, 0, 0, 3},      {100, 0, 0, 3}, {255, 0, 0, 4},
-                 {200, 200, 200, 2}, {300, 300, 300, 2}, {0, 0, 0, 1}};
-    for (const auto& c : cases)
-        EXPECT_EQ(palette.ClosestIndex(c.r, c.g, c.b), c.index) << c.r << " " << c.g << " " << c.b;
+    for (const int red : {0, 100, 101, 100})
+        palette.Add(std::uint8_t(red), 0, 0);
+    EXPECT_EQ(palette.ClosestIndex(50, 0, 0), 1); // as near to 0 as to 100
+    EXPECT_EQ(palette.ClosestIndex(100, 9, 0), 2);
+    EXPECT_EQ(palette.ClosestIndex(300, 0, 0), 3);
     EXPECT_THROW(palette.Red(0), Failure);
-    EXPECT_THROW(palette.Blue(6), Failure);
-    palette.Clear();
-    EXPECT_EQ(palette.ClosestIndex(1, 0, 0), 0);
+    EXPECT_THROW(palette.Blue(5), Failure);
 }
 
 namespace {
@@ -131,10 +120,10 @@ TEST(Palette, DiffusionSendsSevenRightAndFourDownWithRedAndBlueCrossed) {
     blackWhite.Add(0, 0, 0);
     blackWhite.Add(255, 255, 255);
     // Without dithering the source stays; each pixel takes its nearest colour.
-    const QImage grey = pictureOf({qRgb(100, 100, 100), qRgb(200, 200, 200)}, 2);
+    const QImage grey = rowOf({qRgb(100, 100, 100), qRgb(200, 200, 200)});
     const Mapping plain = apply(grey, blackWhite, false);
     EXPECT_EQ(plain.source, grey);
-    EXPECT_EQ(plain.mapped, pictureOf({qRgb(0, 0, 0), qRgb(255, 255, 255)}, 2));
+    EXPECT_EQ(plain.mapped, rowOf({qRgb(0, 0, 0), qRgb(255, 255, 255)}));
 
     // Width 3: the middle pixel of the bottom (first buffer) row sends nothing right, since
     // x = 3 is not below lastByte - 3, and its red error lands on the blue byte above it.
@@ -149,26 +138,53 @@ TEST(Palette, DiffusionSendsSevenRightAndFourDownWithRedAndBlueCrossed) {
     five.fill(qRgb(0, 0, 0));
     five.setPixel(1, 0, qRgb(96, 0, 32));
     EXPECT_EQ(apply(five, blackWhite, true).source.pixel(2, 0), qRgb(32 * 7 / 16, 0, 96 * 7 / 16));
+
+    // The first pixel of the buffer (bottom left) keeps its colour, later ones change; a
+    // picture one pixel wide diffuses nothing.
+    const QImage photo = imagingtest::photoLike(8, 6, 3), column = imagingtest::photoLike(1, 9);
+    const Mapping m = apply(photo, blackWhite, true);
+    EXPECT_EQ(m.source.pixel(0, 5), photo.pixel(0, 5));
+    EXPECT_NE(m.source, photo);
+    EXPECT_EQ(apply(column, blackWhite, true).source, column);
 }
 
-TEST(Palette, DitheringAltersTheSourceFromTheSecondPixelAndMapsOntoThePalette) {
-    for (const QImage& picture :
-         {imagingtest::photoLike(40, 30, 3), imagingtest::photoLike(1, 50, 5)}) {
-        cDIBSection dib;
-        ASSERT_TRUE(dib.fromQImage(picture));
-        cPalette palette;
-        palette.CreateOptimal(dib, nullptr, 16, 8);
-        std::vector<QRgb> entries;
-        for (int i = 1; i <= palette.Count(); ++i)
-            entries.push_back(qRgb(palette.Red(i), palette.Green(i), palette.Blue(i)));
-        const Mapping m = apply(picture, palette, true);
-        const int bottom = picture.height() - 1; // the first pixel of the buffer
-        EXPECT_EQ(m.source.pixel(0, bottom), picture.pixel(0, bottom));
-        // A picture one pixel wide diffuses nothing.
-        EXPECT_EQ(m.source == picture, picture.width() == 1);
-        for (int y = 0; y < picture.height(); ++y)
-            for (int x = 0; x < picture.width(); ++x)
-                ASSERT_NE(std::find(entries.begin(), entries.end(), m.mapped.pixel(x, y)),
-                          entries.end());
+// The pixel buffer the quantiser works on.
+TEST(DIBSection, RowsArePaddedAndEmptySizesFail) {
+    cDIBSection dib;
+    for (const auto& [width, bytes] : {std::pair{1, 4}, {2, 8}, {4, 12}, {5, 16}, {160, 480}}) {
+        ASSERT_TRUE(dib.Create(width, 3));
+        EXPECT_EQ(dib.BytesPerScanLine(), bytes) << width;
+        EXPECT_EQ(dib.Header().biSizeImage, std::uint32_t(bytes * 3));
     }
+    EXPECT_FALSE(dib.Create(0, 10));
+    EXPECT_FALSE(dib.Create(10, -1));
+    EXPECT_EQ(dib.hdib(), 0u);
+    ASSERT_TRUE(dib.Create(7, 5));
+    dib.ClearUp();
+    dib.ClearUp();
+    EXPECT_EQ(dib.DIBSectionBitsPtr(), nullptr);
+    EXPECT_EQ(dib.Width(), 7); // the size stays readable
+}
+
+TEST(DIBSection, BufferIsBlueGreenRedBottomRowFirst) {
+    QImage picture(3, 2, QImage::Format_RGB32);
+    picture.fill(0);
+    picture.setPixel(0, 0, qRgb(10, 20, 30)); // top left
+    picture.setPixel(2, 1, qRgb(40, 50, 60)); // bottom right
+    cDIBSection dib;
+    ASSERT_TRUE(dib.fromQImage(picture));
+    const std::uint8_t* bits = dib.DIBSectionBitsPtr();
+    // Row 0 is the bottom row, and the top row starts 12 bytes in.
+    EXPECT_EQ(std::vector<int>(bits + 6, bits + 15),
+              (std::vector<int>{60, 50, 40, 0, 0, 0, 30, 20, 10}));
+    EXPECT_EQ(dib.toQImage().convertToFormat(QImage::Format_RGB32), picture);
+    // A size of 0 copies nothing; a negative size stands for the whole buffer.
+    QImage target(3, 2, QImage::Format_RGB32);
+    target.fill(qRgb(9, 9, 9));
+    dib.PaintPicture(target, 0, 0, 0, -1);
+    EXPECT_EQ(target.pixel(0, 0), qRgb(9, 9, 9));
+    dib.PaintPicture(target, 1, 0, -1, -1, 0, 0, SRCCOPY);
+    EXPECT_EQ(std::pair(target.pixel(0, 0), target.pixel(1, 0)),
+              std::pair(qRgb(9, 9, 9), qRgb(10, 20, 30)));
+    EXPECT_THROW(dib.LoadPictureBlt(picture, 0, 0, -1, -1, 0x00EE0086), Failure);
 }
