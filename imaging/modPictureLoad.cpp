@@ -48,24 +48,40 @@ qint64 promisedPixelBytes(const QByteArray& head) {
     return imageSize > 0 ? qint64(imageSize) : -1;
 }
 
-// Refuses a file that cannot be opened, and a BMP cut short: Qt would read the rows it lacks as
-// black.
-void checkBeforeReading(const QString& path) {
+// The first bytes of the file; a file that cannot be opened is refused.
+QByteArray readHead(const QString& path, qint64& size) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         throw Failure(FailureNumber::PermissionDenied, kLoadSource,
                       QStringLiteral("it cannot be opened (%1)").arg(file.errorString()));
-    const QByteArray head = file.read(54);
+    size = file.size();
+    return file.read(54);
+}
+
+// Refuses a BMP cut short: Qt would read the rows it lacks as black.
+void refuseShortBitmap(const QByteArray& head, qint64 fileSize) {
     if (!head.startsWith("BM"))
         return;
     const qint64 promised = promisedPixelBytes(head);
-    const qint64 held = head.size() >= 14 ? file.size() - qint64(le(head, 10, 4)) : -1;
+    const qint64 held = head.size() >= 14 ? fileSize - qint64(le(head, 10, 4)) : -1;
     if (promised > 0 && held < promised)
         throw Failure(481, kLoadSource,
                       QStringLiteral("the bitmap is cut short: its header promises %1 bytes of "
                                      "pixels and the file holds %2")
                           .arg(promised)
                           .arg(qMax<qint64>(held, 0)));
+}
+
+// The format the content announces, so that Qt need not load every image plugin to ask each;
+// empty when it announces none of BMP, GIF and JPEG.
+QByteArray announcedFormat(const QByteArray& head) {
+    if (head.startsWith("BM"))
+        return "bmp";
+    if (head.startsWith("GIF8"))
+        return "gif";
+    if (head.startsWith("\xFF\xD8\xFF"))
+        return "jpeg";
+    return {};
 }
 
 int freeImageFormatOf(const QString& extension) {
@@ -102,9 +118,15 @@ PictureFile readWithFreeImage(const QString& path, int format) {
 QImage LoadPicture(const QString& path) {
     if (!QFileInfo(path).isFile())
         throw Failure(FailureNumber::FileNotFound, kLoadSource, QStringLiteral("File not found"));
-    checkBeforeReading(path);
-    QImageReader reader(path);
-    reader.setDecideFormatFromContent(true);
+    qint64 size = 0;
+    const QByteArray head = readHead(path, size);
+    refuseShortBitmap(head, size);
+    const QByteArray format = announcedFormat(head);
+    QImageReader reader(path, format);
+    if (format.isEmpty())
+        reader.setDecideFormatFromContent(true);
+    else
+        reader.setAutoDetectImageFormat(false);
     QImage picture = reader.read();
     if (picture.isNull())
         throw Failure(481, kLoadSource,

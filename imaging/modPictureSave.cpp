@@ -57,6 +57,7 @@ bool SavePictureBoxImage(const QString& filePath, const QImage& picture, int kin
             break;
         case 1:
             SavePicture(picture, base + QStringLiteral("bmp"));
+            // The encoder's answer is no part of the save's: the bitmap beside stays either way.
             DIWriteJpg(QFile::encodeName(base + QStringLiteral("jpg")),
                        QFile::encodeName(base + QStringLiteral("bmp")), 90, 0);
             break;
