@@ -25,7 +25,9 @@ bool writeAll(int fd, const char* bytes, std::size_t size) {
     return true;
 }
 
-[[noreturn]] void runChild(int fd, const std::function<QByteArray()>& work) {
+// Never returns: an exception escaping the work ends the child through std::terminate, so the
+// child can never run on into its caller's code.
+[[noreturn]] void runChild(int fd, const std::function<QByteArray()>& work) noexcept {
     // A fault ends the child quietly with its signal; the parent reports it.
     for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
         ::signal(fault, SIG_DFL);
