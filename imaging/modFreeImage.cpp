@@ -158,6 +158,75 @@ void EnsureFreeImage() {
         InitFreeImage(true);
 }
 
+namespace {
+
+// A mask's channel of a 16-bit pixel, scaled to 0 to 255.
+int maskedChannel(std::uint32_t value, std::uint32_t mask) {
+    if (!mask)
+        return 0;
+    int shift = 0;
+    while (!(mask & 1)) {
+        mask >>= 1;
+        ++shift;
+    }
+    return int(((value >> shift) & mask) * 255 / mask);
+}
+
+// One row of a DIB of `bpp` bits a pixel as 32-bit pixels. `colours` holds `colourCount`
+// entries for 1 to 8 bits; `masks` are the red, green and blue masks for 16 bits.
+void convertRow(const BYTE* in, QRgb* out, int width, int bpp, const RGBQUAD* colours,
+                int colourCount, const std::uint32_t masks[3]) {
+    for (int x = 0; x < width; ++x) {
+        if (bpp <= 8) {
+            const int perByte = 8 / bpp;
+            const int shift = (perByte - 1 - x % perByte) * bpp;
+            const int index = (in[x / perByte] >> shift) & ((1 << bpp) - 1);
+            const RGBQUAD c = index < colourCount ? colours[index] : RGBQUAD{0, 0, 0, 0};
+            out[x] = qRgb(c.rgbRed, c.rgbGreen, c.rgbBlue);
+        } else if (bpp == 16) {
+            const std::uint32_t v = std::uint32_t(in[2 * x] | in[2 * x + 1] << 8);
+            out[x] = qRgb(maskedChannel(v, masks[0]), maskedChannel(v, masks[1]),
+                          maskedChannel(v, masks[2]));
+        } else {
+            const int step = bpp / 8;
+            out[x] = qRgb(in[step * x + 2], in[step * x + 1], in[step * x]);
+        }
+    }
+}
+
+// What CreateDIBitmap makes of the header, the colour table and the bits: the picture, or the
+// system's error code (87 for a header it cannot take, 8 for no memory) and a null picture.
+int createDIBitmap(const BITMAPINFOHEADER& header, const BITMAPINFO& info, const BYTE* bits,
+                   QImage& picture) {
+    const int width = int(header.biWidth);
+    const int rawHeight = int(header.biHeight);
+    const int height = rawHeight < 0 ? -rawHeight : rawHeight;
+    const int bpp = header.biBitCount;
+    if (width <= 0 || height <= 0 || width > 32768 || height > 32768)
+        return 87;
+    if (bpp != 1 && bpp != 4 && bpp != 8 && bpp != 16 && bpp != 24 && bpp != 32)
+        return 87;
+    picture = QImage(width, height, QImage::Format_RGB32);
+    if (picture.isNull())
+        return 8;
+    const int colourCount =
+        bpp > 8 ? 0
+                : (header.biClrUsed ? int(std::min<DWORD>(header.biClrUsed, 1u << bpp)) : 1 << bpp);
+    std::uint32_t masks[3] = {0x7C00, 0x03E0, 0x001F};
+    if (bpp == 16 && header.biCompression == 3 /* BI_BITFIELDS */)
+        std::memcpy(masks, info.bmiColors, sizeof masks);
+    const std::size_t stride = ((std::size_t(width) * std::size_t(bpp) + 31) / 32) * 4;
+    for (int y = 0; y < height; ++y) {
+        const int stored = rawHeight < 0 ? y : height - 1 - y;
+        convertRow(bits + std::size_t(stored) * stride,
+                   reinterpret_cast<QRgb*>(picture.scanLine(y)), width, bpp, info.bmiColors,
+                   colourCount, masks);
+    }
+    return 0;
+}
+
+} // namespace
+
 bool FreeImage_BMP_From_DIB(FIBITMAP* dib, QImage& bitmap) {
     bitmap = QImage();
     lastError().clear();
@@ -186,83 +255,14 @@ bool FreeImage_BMP_From_DIB(FIBITMAP* dib, QImage& bitmap) {
             kFrom + QStringLiteral("FreeImage_GetBits failed to get the DIB's bits"), true);
         return false;
     }
-
-    // What making a device bitmap from the header, the colour table and the bits gives.
-    auto failCreate = [](int code) {
+    QImage picture;
+    if (const int code = createDIBitmap(*header, *info, bits, picture)) {
         RecordFreeImageError(kFrom +
                                  QStringLiteral("CreateDIBitmap failed to create the BITMAP "
                                                 "from the DIB reporting error code ") +
                                  QString::number(code),
                              true);
         return false;
-    };
-    const int width = int(header->biWidth);
-    const int rawHeight = int(header->biHeight);
-    const int height = rawHeight < 0 ? -rawHeight : rawHeight;
-    const int bpp = header->biBitCount;
-    if (width <= 0 || height <= 0 || width > 32768 || height > 32768)
-        return failCreate(87);
-    if (bpp != 1 && bpp != 4 && bpp != 8 && bpp != 16 && bpp != 24 && bpp != 32)
-        return failCreate(87);
-    const std::size_t stride = ((std::size_t(width) * std::size_t(bpp) + 31) / 32) * 4;
-
-    QImage picture(width, height, QImage::Format_RGB32);
-    if (picture.isNull())
-        return failCreate(8);
-
-    const RGBQUAD* colours = info->bmiColors;
-    const int colourCount =
-        bpp <= 8
-            ? (header->biClrUsed ? int(std::min<DWORD>(header->biClrUsed, 1u << bpp)) : (1 << bpp))
-            : 0;
-    std::uint32_t masks[3] = {0x7C00, 0x03E0, 0x001F};
-    if (bpp == 16 && header->biCompression == 3 /* BI_BITFIELDS */) {
-        const auto* stored = reinterpret_cast<const DWORD*>(info->bmiColors);
-        masks[0] = stored[0];
-        masks[1] = stored[1];
-        masks[2] = stored[2];
-    }
-    auto scale = [](std::uint32_t value, std::uint32_t mask) -> int {
-        if (!mask)
-            return 0;
-        int shift = 0;
-        while (!(mask & 1)) {
-            mask >>= 1;
-            ++shift;
-        }
-        const std::uint32_t v = (value >> shift) & mask;
-        return int(v * 255 / mask);
-    };
-
-    for (int y = 0; y < height; ++y) {
-        const int stored = rawHeight < 0 ? y : height - 1 - y;
-        const BYTE* in = bits + std::size_t(stored) * stride;
-        auto* out = reinterpret_cast<QRgb*>(picture.scanLine(y));
-        for (int x = 0; x < width; ++x) {
-            switch (bpp) {
-            case 1:
-            case 4:
-            case 8: {
-                const int perByte = 8 / bpp;
-                const int shift = (perByte - 1 - x % perByte) * bpp;
-                const int index = (in[x / perByte] >> shift) & ((1 << bpp) - 1);
-                const RGBQUAD c = index < colourCount ? colours[index] : RGBQUAD{0, 0, 0, 0};
-                out[x] = qRgb(c.rgbRed, c.rgbGreen, c.rgbBlue);
-                break;
-            }
-            case 16: {
-                const std::uint32_t v = std::uint32_t(in[2 * x] | in[2 * x + 1] << 8);
-                out[x] = qRgb(scale(v, masks[0]), scale(v, masks[1]), scale(v, masks[2]));
-                break;
-            }
-            case 24:
-                out[x] = qRgb(in[3 * x + 2], in[3 * x + 1], in[3 * x]);
-                break;
-            default:
-                out[x] = qRgb(in[4 * x + 2], in[4 * x + 1], in[4 * x]);
-                break;
-            }
-        }
     }
     bitmap = picture;
     return true;
