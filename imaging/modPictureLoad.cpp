@@ -130,7 +130,7 @@ QImage LoadPicture(const QString& path) {
     QImage picture = reader.read();
     if (picture.isNull())
         throw Failure(481, kLoadSource,
-                      QStringLiteral("it is no BMP, GIF or JPEG picture that can be read (%1)")
+                      QStringLiteral("it is not a BMP, GIF or JPEG picture that can be read (%1)")
                           .arg(reader.errorString()));
     return picture;
 }
