@@ -3,6 +3,7 @@
 #include "imaging/cDIBSection.h"
 #include "imaging/cDIBSectionSave.h"
 #include "platform/Failure.h"
+#include "platform/StatusSink.h"
 #include "platform/modDialogs.h"
 
 #include <QString>
@@ -387,6 +388,15 @@ bool cPalette::ReduceTree() {
     return true;
 }
 
+// The tree cannot be folded to the colour limit: the save's sink is asked whether to go on
+// with more colours than asked for. "No" ends the whole save.
+void cPalette::askToGoOn(const cDIBSectionSave* status) {
+    const QString text = QStringLiteral("Error in reducing nodes");
+    StatusSink& sink = status ? status->reporter() : quietSink();
+    if (sink.ask(text, Vb::YesNo, {}) == Vb::No)
+        throw Failure(kErrReducingNodes, QStringLiteral("cPalette.CreateOptimal"), text);
+}
+
 void cPalette::CreateOptimal(cDIBSection& source, cDIBSectionSave* status, int maxColours,
                              int depth) {
     const int width = source.Width();
@@ -412,9 +422,8 @@ void cPalette::CreateOptimal(cDIBSection& source, cDIBSectionSave* status, int m
                 bool reduced = true;
                 while (leafCount > maxColours && reduced)
                     reduced = ReduceTree();
-                if (!reduced &&
-                    MsgBox(QStringLiteral("Error in reducing nodes"), Vb::YesNo) == Vb::No)
-                    std::exit(0);
+                if (!reduced)
+                    askToGoOn(status);
             }
             if (status)
                 status->UpdateStatus(y, width, height, QStringLiteral("Create Palette"), 1);

@@ -29,7 +29,9 @@ public:
     std::uint8_t Blue(int index) const;
 
     // Builds the palette of `source` with at most `maxColours` entries and a tree of `depth`
-    // levels (1 to 8). `status` (may be null) hears of each row.
+    // levels (1 to 8). `status` (may be null) hears of each row. When the tree cannot be
+    // folded down to `maxColours`, the save's sink is asked "Error in reducing nodes"; "No"
+    // raises kErrReducingNodes, "Yes" goes on with more colours.
     void CreateOptimal(cDIBSection& source, cDIBSectionSave* status, int maxColours, int depth);
     void EraseNodes();
     void Clear();
@@ -39,6 +41,8 @@ public:
     // the buffer, `Width()` a row.
     void ApplyPalette(cDIBSection& source, cDIBSection& destination, cDIBSectionSave* status,
                       bool dither, std::vector<std::uint16_t>* indices = nullptr);
+
+    static constexpr std::int32_t kErrReducingNodes = std::int32_t(0x80040214U);
 
 private:
     struct PaletteNode {
@@ -55,6 +59,7 @@ private:
         std::uint8_t red, green, blue, unused;
     };
 
+    static void askToGoOn(const cDIBSectionSave* status);
     void AddColourToTree(std::uint8_t red, std::uint8_t green, std::uint8_t blue);
     bool ReduceTree();
     void FreeNode(std::int32_t index);

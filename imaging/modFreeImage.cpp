@@ -1,19 +1,15 @@
 #include "imaging/modFreeImage.h"
 
+#include "platform/ChildProcess.h"
 #include <FreeImage.h>
-#include <QDeadlineTimer>
+
 #include <QFile>
 #include <algorithm>
-#include <cerrno>
-#include <csignal>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <dlfcn.h>
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -162,6 +158,75 @@ void EnsureFreeImage() {
         InitFreeImage(true);
 }
 
+namespace {
+
+// A mask's channel of a 16-bit pixel, scaled to 0 to 255.
+int maskedChannel(std::uint32_t value, std::uint32_t mask) {
+    if (!mask)
+        return 0;
+    int shift = 0;
+    while (!(mask & 1)) {
+        mask >>= 1;
+        ++shift;
+    }
+    return int(((value >> shift) & mask) * 255 / mask);
+}
+
+// One row of a DIB of `bpp` bits a pixel as 32-bit pixels. `colours` holds `colourCount`
+// entries for 1 to 8 bits; `masks` are the red, green and blue masks for 16 bits.
+void convertRow(const BYTE* in, QRgb* out, int width, int bpp, const RGBQUAD* colours,
+                int colourCount, const std::uint32_t masks[3]) {
+    for (int x = 0; x < width; ++x) {
+        if (bpp <= 8) {
+            const int perByte = 8 / bpp;
+            const int shift = (perByte - 1 - x % perByte) * bpp;
+            const int index = (in[x / perByte] >> shift) & ((1 << bpp) - 1);
+            const RGBQUAD c = index < colourCount ? colours[index] : RGBQUAD{0, 0, 0, 0};
+            out[x] = qRgb(c.rgbRed, c.rgbGreen, c.rgbBlue);
+        } else if (bpp == 16) {
+            const std::uint32_t v = std::uint32_t(in[2 * x] | in[2 * x + 1] << 8);
+            out[x] = qRgb(maskedChannel(v, masks[0]), maskedChannel(v, masks[1]),
+                          maskedChannel(v, masks[2]));
+        } else {
+            const int step = bpp / 8;
+            out[x] = qRgb(in[step * x + 2], in[step * x + 1], in[step * x]);
+        }
+    }
+}
+
+// What CreateDIBitmap makes of the header, the colour table and the bits: the picture, or the
+// system's error code (87 for a header it cannot take, 8 for no memory) and a null picture.
+int createDIBitmap(const BITMAPINFOHEADER& header, const BITMAPINFO& info, const BYTE* bits,
+                   QImage& picture) {
+    const int width = int(header.biWidth);
+    const int rawHeight = int(header.biHeight);
+    const int height = rawHeight < 0 ? -rawHeight : rawHeight;
+    const int bpp = header.biBitCount;
+    if (width <= 0 || height <= 0 || width > 32768 || height > 32768)
+        return 87;
+    if (bpp != 1 && bpp != 4 && bpp != 8 && bpp != 16 && bpp != 24 && bpp != 32)
+        return 87;
+    picture = QImage(width, height, QImage::Format_RGB32);
+    if (picture.isNull())
+        return 8;
+    const int colourCount =
+        bpp > 8 ? 0
+                : (header.biClrUsed ? int(std::min<DWORD>(header.biClrUsed, 1u << bpp)) : 1 << bpp);
+    std::uint32_t masks[3] = {0x7C00, 0x03E0, 0x001F};
+    if (bpp == 16 && header.biCompression == 3 /* BI_BITFIELDS */)
+        std::memcpy(masks, info.bmiColors, sizeof masks);
+    const std::size_t stride = ((std::size_t(width) * std::size_t(bpp) + 31) / 32) * 4;
+    for (int y = 0; y < height; ++y) {
+        const int stored = rawHeight < 0 ? y : height - 1 - y;
+        convertRow(bits + std::size_t(stored) * stride,
+                   reinterpret_cast<QRgb*>(picture.scanLine(y)), width, bpp, info.bmiColors,
+                   colourCount, masks);
+    }
+    return 0;
+}
+
+} // namespace
+
 bool FreeImage_BMP_From_DIB(FIBITMAP* dib, QImage& bitmap) {
     bitmap = QImage();
     lastError().clear();
@@ -190,83 +255,14 @@ bool FreeImage_BMP_From_DIB(FIBITMAP* dib, QImage& bitmap) {
             kFrom + QStringLiteral("FreeImage_GetBits failed to get the DIB's bits"), true);
         return false;
     }
-
-    // What making a device bitmap from the header, the colour table and the bits gives.
-    auto failCreate = [](int code) {
+    QImage picture;
+    if (const int code = createDIBitmap(*header, *info, bits, picture)) {
         RecordFreeImageError(kFrom +
                                  QStringLiteral("CreateDIBitmap failed to create the BITMAP "
                                                 "from the DIB reporting error code ") +
                                  QString::number(code),
                              true);
         return false;
-    };
-    const int width = int(header->biWidth);
-    const int rawHeight = int(header->biHeight);
-    const int height = rawHeight < 0 ? -rawHeight : rawHeight;
-    const int bpp = header->biBitCount;
-    if (width <= 0 || height <= 0 || width > 32768 || height > 32768)
-        return failCreate(87);
-    if (bpp != 1 && bpp != 4 && bpp != 8 && bpp != 16 && bpp != 24 && bpp != 32)
-        return failCreate(87);
-    const std::size_t stride = ((std::size_t(width) * std::size_t(bpp) + 31) / 32) * 4;
-
-    QImage picture(width, height, QImage::Format_RGB32);
-    if (picture.isNull())
-        return failCreate(8);
-
-    const RGBQUAD* colours = info->bmiColors;
-    const int colourCount =
-        bpp <= 8
-            ? (header->biClrUsed ? int(std::min<DWORD>(header->biClrUsed, 1u << bpp)) : (1 << bpp))
-            : 0;
-    std::uint32_t masks[3] = {0x7C00, 0x03E0, 0x001F};
-    if (bpp == 16 && header->biCompression == 3 /* BI_BITFIELDS */) {
-        const auto* stored = reinterpret_cast<const DWORD*>(info->bmiColors);
-        masks[0] = stored[0];
-        masks[1] = stored[1];
-        masks[2] = stored[2];
-    }
-    auto scale = [](std::uint32_t value, std::uint32_t mask) -> int {
-        if (!mask)
-            return 0;
-        int shift = 0;
-        while (!(mask & 1)) {
-            mask >>= 1;
-            ++shift;
-        }
-        const std::uint32_t v = (value >> shift) & mask;
-        return int(v * 255 / mask);
-    };
-
-    for (int y = 0; y < height; ++y) {
-        const int stored = rawHeight < 0 ? y : height - 1 - y;
-        const BYTE* in = bits + std::size_t(stored) * stride;
-        auto* out = reinterpret_cast<QRgb*>(picture.scanLine(y));
-        for (int x = 0; x < width; ++x) {
-            switch (bpp) {
-            case 1:
-            case 4:
-            case 8: {
-                const int perByte = 8 / bpp;
-                const int shift = (perByte - 1 - x % perByte) * bpp;
-                const int index = (in[x / perByte] >> shift) & ((1 << bpp) - 1);
-                const RGBQUAD c = index < colourCount ? colours[index] : RGBQUAD{0, 0, 0, 0};
-                out[x] = qRgb(c.rgbRed, c.rgbGreen, c.rgbBlue);
-                break;
-            }
-            case 16: {
-                const std::uint32_t v = std::uint32_t(in[2 * x] | in[2 * x + 1] << 8);
-                out[x] = qRgb(scale(v, masks[0]), scale(v, masks[1]), scale(v, masks[2]));
-                break;
-            }
-            case 24:
-                out[x] = qRgb(in[3 * x + 2], in[3 * x + 1], in[3 * x]);
-                break;
-            default:
-                out[x] = qRgb(in[4 * x + 2], in[4 * x + 1], in[4 * x]);
-                break;
-            }
-        }
     }
     bitmap = picture;
     return true;
@@ -312,42 +308,43 @@ QImage loadHere(const QString& path, int formatCode) {
     return converted ? picture : QImage();
 }
 
-} // namespace
-
-namespace {
-
-bool writeAll(int fd, const void* data, std::size_t size) {
-    const auto* bytes = static_cast<const char*>(data);
-    while (size > 0) {
-        const ssize_t n = ::write(fd, bytes, size);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        bytes += n;
-        size -= std::size_t(n);
-    }
-    return true;
+// The child's answer: a header (picture or not, length of the error text, width, height), the
+// error text in UTF-8, then the pixel rows of 32 bits.
+QByteArray encodeLoad(const QImage& picture, const QString& error) {
+    const QByteArray text = error.toUtf8();
+    const std::int32_t header[4] = {picture.isNull() ? 0 : 1, std::int32_t(text.size()),
+                                    picture.width(), picture.height()};
+    QByteArray bytes(reinterpret_cast<const char*>(header), sizeof header);
+    bytes += text;
+    for (int y = 0; y < picture.height(); ++y)
+        bytes.append(reinterpret_cast<const char*>(picture.constScanLine(y)),
+                     qsizetype(picture.width()) * 4);
+    return bytes;
 }
 
-// Reads exactly `size` bytes, waiting at most until `deadline`.
-bool readAll(int fd, void* data, std::size_t size, const QDeadlineTimer& deadline) {
-    auto* bytes = static_cast<char*>(data);
-    while (size > 0) {
-        pollfd wait{fd, POLLIN, 0};
-        const int ready = ::poll(&wait, 1, int(std::max<qint64>(deadline.remainingTime(), 0)));
-        if (ready < 0 && errno == EINTR)
-            continue;
-        if (ready <= 0)
-            return false;
-        const ssize_t n = ::read(fd, bytes, size);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        bytes += n;
-        size -= std::size_t(n);
-    }
+// Reads the child's answer back; false when it does not hold together.
+bool decodeLoad(const QByteArray& bytes, QImage& picture, QString& error) {
+    std::int32_t header[4];
+    if (bytes.size() < qsizetype(sizeof header))
+        return false;
+    std::memcpy(header, bytes.constData(), sizeof header);
+    const qsizetype textSize = header[1];
+    if (textSize < 0 || textSize > bytes.size() - qsizetype(sizeof header))
+        return false;
+    error = QString::fromUtf8(bytes.constData() + sizeof header, textSize);
+    const char* pixels = bytes.constData() + sizeof header + textSize;
+    const qsizetype pixelBytes = bytes.size() - qsizetype(sizeof header) - textSize;
+    if (header[0] != 1)
+        return pixelBytes == 0;
+    const int width = header[2], height = header[3];
+    if (width <= 0 || height <= 0 || quint64(width) * quint64(height) > kMaxFreeImagePixels ||
+        pixelBytes != qsizetype(width) * height * 4)
+        return false;
+    picture = QImage(width, height, QImage::Format_RGB32);
+    if (picture.isNull())
+        return false;
+    for (int y = 0; y < height; ++y)
+        std::memcpy(picture.scanLine(y), pixels + qsizetype(y) * width * 4, std::size_t(width) * 4);
     return true;
 }
 
@@ -362,63 +359,25 @@ QImage FreeImageLoadPicture(const QString& path, int formatCode) {
     // FreeImage's decoders can overrun their buffers on damaged files. The picture is decoded in
     // a child process, so that such a file costs only that child: the program goes on without
     // a picture.
-    int fds[2];
-    if (::pipe2(fds, O_CLOEXEC) != 0)
+    const ChildRun run = runInChild(
+        [&] {
+            lastError().clear();
+            const QImage picture = loadHere(path, formatCode);
+            return encodeLoad(picture, lastError());
+        },
+        20000, qsizetype(kMaxFreeImagePixels) * 4 + 65536 + 16);
+    if (!run.started)
         return loadHere(path, formatCode);
-    const pid_t child = ::fork();
-    if (child < 0) {
-        ::close(fds[0]);
-        ::close(fds[1]);
-        return loadHere(path, formatCode);
-    }
-    if (child == 0) {
-        ::close(fds[0]);
-        // A decoder fault ends the child quietly; the parent reports it.
-        for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
-            ::signal(fault, SIG_DFL);
-        lastError().clear();
-        const QImage picture = loadHere(path, formatCode);
-        const QByteArray error = lastError().toUtf8();
-        const std::int32_t header[4] = {picture.isNull() ? 0 : 1, std::int32_t(error.size()),
-                                        picture.width(), picture.height()};
-        bool ok = writeAll(fds[1], header, sizeof header) &&
-                  writeAll(fds[1], error.constData(), std::size_t(error.size()));
-        for (int y = 0; ok && y < picture.height(); ++y)
-            ok = writeAll(fds[1], picture.constScanLine(y), std::size_t(picture.width()) * 4);
-        ::_exit(ok ? 0 : 1);
-    }
-    ::close(fds[1]);
-    const QDeadlineTimer deadline(20000);
-    std::int32_t header[4] = {0, 0, 0, 0};
-    bool complete = readAll(fds[0], header, sizeof header, deadline);
-    QByteArray error;
     QImage picture;
-    if (complete && header[1] >= 0 && header[1] <= 65536) {
-        error.resize(header[1]);
-        complete = readAll(fds[0], error.data(), std::size_t(error.size()), deadline);
-    } else {
-        complete = false;
-    }
-    if (complete && header[0] == 1) {
-        const quint64 pixels = quint64(std::uint32_t(header[2])) * std::uint32_t(header[3]);
-        if (header[2] > 0 && header[3] > 0 && pixels <= kMaxFreeImagePixels)
-            picture = QImage(header[2], header[3], QImage::Format_RGB32);
-        complete = !picture.isNull();
-        for (int y = 0; complete && y < picture.height(); ++y)
-            complete =
-                readAll(fds[0], picture.scanLine(y), std::size_t(picture.width()) * 4, deadline);
-    }
-    ::close(fds[0]);
-    int status = 0;
-    if (!complete)
-        ::kill(child, SIGKILL);
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    if (!complete || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-        RecordFreeImageError(QStringLiteral("FreeImage failed to decode ") + path, true);
+    QString error;
+    if (!run.completed || !decodeLoad(run.bytes, picture, error)) {
+        RecordFreeImageError(
+            QStringLiteral("FreeImage failed to decode %1: %2")
+                .arg(path, run.completed ? QStringLiteral("its answer was damaged") : run.failure),
+            true);
         return {};
     }
     if (!error.isEmpty())
-        RecordFreeImageError(QString::fromUtf8(error), true);
-    return header[0] == 1 ? picture : QImage();
+        RecordFreeImageError(error, true);
+    return picture;
 }

@@ -47,7 +47,7 @@ bool SavePictureBoxImage(const QString& filePath, const QImage& picture, int kin
 }
 
 bool SavePictureBoxImage(const QString& filePath, const QImage& picture, int kind,
-                         const QString& pictureName) {
+                         const QString& pictureName, StatusSink& sink) {
     const qsizetype dot = filePath.lastIndexOf(QLatin1Char('.'));
     const QString base = dot < 0 ? filePath : filePath.left(dot + 1);
     try {
@@ -57,11 +57,12 @@ bool SavePictureBoxImage(const QString& filePath, const QImage& picture, int kin
             break;
         case 1:
             SavePicture(picture, base + QStringLiteral("bmp"));
+            // The encoder's answer is no part of the save's: the bitmap beside stays either way.
             DIWriteJpg(QFile::encodeName(base + QStringLiteral("jpg")),
                        QFile::encodeName(base + QStringLiteral("bmp")), 90, 0);
             break;
         case 2: {
-            cDIBSectionSave writer;
+            cDIBSectionSave writer(sink);
             int bits = 8;
             writer.Save(picture, pictureName, nullptr, base + QStringLiteral("gif"), bits);
             break;

@@ -1,8 +1,7 @@
 // Runs a fuzz target over its seeds and over mutations of them for a bounded time, so the
 // targets run under the sanitizers of any build without libFuzzer.
-// TESSALY_FUZZ_SECONDS sets the time (6 seconds unless told).
+// TESSALY_FUZZ_SECONDS sets the time (6 seconds unless told); FUZZ_SUITE names the suite.
 #include <QByteArray>
-#include <QFile>
 #include <QString>
 #include <chrono>
 #include <cstdint>
@@ -16,92 +15,44 @@ std::vector<QByteArray> fuzzSeeds();
 namespace {
 
 QByteArray mutate(QByteArray input, std::mt19937& random) {
-    const int steps = 1 + int(random() % 4);
-    for (int s = 0; s < steps; ++s) {
-        const auto size = std::size_t(input.size());
-        switch (random() % 7) {
-        case 0: // flip a bit
-            if (size)
-                input[int(random() % size)] ^= char(1 << (random() % 8));
-            break;
-        case 1: { // an interesting value
-            static const std::uint8_t values[] = {0, 1, 0x7F, 0x80, 0xFF, 0xFE, 0x10, 0x40};
-            if (size)
-                input[int(random() % size)] = char(values[random() % sizeof values]);
-            break;
-        }
-        case 2: // truncate
-            if (size)
-                input.truncate(int(random() % size));
-            break;
-        case 3: { // insert random bytes
-            QByteArray extra;
-            for (int i = int(random() % 16); i >= 0; --i)
-                extra.append(char(random()));
-            input.insert(size ? int(random() % size) : 0, extra);
-            break;
-        }
-        case 4: // duplicate a chunk
-            if (size > 2) {
-                const int from = int(random() % size);
-                const int length =
-                    int(random() % std::min<std::size_t>(64, size - std::size_t(from)));
-                input.insert(int(random() % size), input.mid(from, length));
-            }
-            break;
-        case 5: // a big 16-bit number somewhere in the first bytes
-            if (size > 4) {
-                const int at = int(random() % std::min<std::size_t>(size - 1, 40));
-                input[at] = char(random());
-                input[at + 1] = char(random() % 4 ? random() : 0xFF);
-            }
-            break;
-        default: // overwrite a run
-            if (size) {
-                const int at = int(random() % size);
-                for (int i = at; i < std::min<int>(int(size), at + 8); ++i)
-                    input[i] = char(random());
-            }
-            break;
-        }
+    for (int steps = 1 + int(random() % 4); steps > 0; --steps) {
+        const qsizetype size = input.size();
+        const qsizetype at = size ? qsizetype(random() % std::size_t(size)) : 0;
+        const int kind = int(random() % 4);
+        if (kind == 0 && size) // flip a bit
+            input[at] ^= char(1 << (random() % 8));
+        else if (kind == 1)
+            input.truncate(at);
+        else if (kind == 2) // a copy of a chunk
+            input.insert(at, input.mid(qsizetype(random() % std::size_t(size + 1)),
+                                       1 + qsizetype(random() % 64)));
+        else if (size > 2) // a random 16-bit number among the header's first bytes
+            input.replace(at % std::min<qsizetype>(size - 1, 40), 2,
+                          QByteArray(1, char(random())) + char(random()));
     }
     return input;
 }
 
-} // namespace
+void runOne(const QByteArray& input) {
+    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.constData()),
+                           std::size_t(input.size()));
+}
 
-#ifndef FUZZ_SUITE
-#define FUZZ_SUITE Fuzz
-#endif
+} // namespace
 
 TEST(FUZZ_SUITE, SeedsAndMutationsRunCleanly) {
     const std::vector<QByteArray> seeds = fuzzSeeds();
     ASSERT_FALSE(seeds.empty());
-    // TESSALY_FUZZ_WRITE_SEEDS=folder writes the seeds there, as a corpus for libFuzzer.
-    if (qEnvironmentVariableIsSet("TESSALY_FUZZ_WRITE_SEEDS")) {
-        const QString folder = qEnvironmentVariable("TESSALY_FUZZ_WRITE_SEEDS");
-        for (std::size_t i = 0; i < seeds.size(); ++i) {
-            QFile file(folder + QStringLiteral("/seed-%1").arg(i));
-            if (file.open(QIODevice::WriteOnly))
-                file.write(seeds[i]);
-        }
-    }
     for (const QByteArray& seed : seeds)
-        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(seed.constData()),
-                               std::size_t(seed.size()));
-    const double seconds = qEnvironmentVariableIsSet("TESSALY_FUZZ_SECONDS")
-                               ? qEnvironmentVariable("TESSALY_FUZZ_SECONDS").toDouble()
-                               : 6.0;
-    const auto end = std::chrono::steady_clock::now() +
-                     std::chrono::milliseconds(static_cast<long long>(seconds * 1000));
+        runOne(seed);
+    bool timed = false;
+    const double seconds = qEnvironmentVariable("TESSALY_FUZZ_SECONDS").toDouble(&timed);
+    const auto end =
+        std::chrono::steady_clock::now() +
+        std::chrono::milliseconds(static_cast<long long>((timed ? seconds : 6.0) * 1000));
     std::mt19937 random(20261122);
     long runs = 0;
-    while (std::chrono::steady_clock::now() < end) {
-        const QByteArray input = mutate(seeds[random() % seeds.size()], random);
-        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.constData()),
-                               std::size_t(input.size()));
-        ++runs;
-    }
+    for (; std::chrono::steady_clock::now() < end; ++runs)
+        runOne(mutate(seeds[random() % seeds.size()], random));
     RecordProperty("runs", int(runs));
-    std::printf("%ld mutated inputs in %.1f s\n", runs, seconds);
 }

@@ -1,215 +1,143 @@
 #include "ImagingTestUtil.h"
-#include "imaging/cDIBSectionSave.h"
 #include "imaging/modFreeImage.h"
 #include "imaging/modPictureLoad.h"
+#include "imaging/modPictureSave.h"
+#include "platform/ChildProcess.h"
+#include "platform/modDialogs.h"
 #include "platform/modText.h"
 #include "support/ScriptedResponder.h"
 
-#include <FreeImage.h>
-#include <QBuffer>
 #include <QTemporaryDir>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 using namespace imagingtest;
 
 namespace {
-
-bool saveWithFreeImage(const QImage& picture, const QString& path, FREE_IMAGE_FORMAT format,
-                       int bpp = 24) {
-    QImage rgb = picture.convertToFormat(bpp == 32 ? QImage::Format_ARGB32 : QImage::Format_RGB32);
-    FIBITMAP* dib = FreeImage_ConvertFromRawBits(rgb.bits(), rgb.width(), rgb.height(),
-                                                 int(rgb.bytesPerLine()), 32, FI_RGBA_RED_MASK,
-                                                 FI_RGBA_GREEN_MASK, FI_RGBA_BLUE_MASK, TRUE);
-    if (!dib)
-        return false;
-    FIBITMAP* out = bpp == 32 ? dib : FreeImage_ConvertTo24Bits(dib);
-    const bool ok = FreeImage_Save(format, out, QFile::encodeName(path).constData(), 0);
-    if (out != dib)
-        FreeImage_Unload(out);
-    FreeImage_Unload(dib);
-    return ok;
-}
-
-QByteArray encoded(const QImage& picture, const char* format) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    picture.save(&buffer, format);
-    return bytes;
-}
-
 class PictureLoad : public testing::Test {
 protected:
     QTemporaryDir dir;
-    ScriptedResponder responder;
+    ScriptedResponder boxes; // the loader itself never shows a box
+    RecordingSink sink;
     QImage picture = photoLike(37, 23);
     QString path(const char* name) const { return dir.filePath(QString::fromLatin1(name)); }
+    void TearDown() override { EXPECT_TRUE(boxes.boxes.empty()); }
 };
-
 } // namespace
 
-TEST_F(PictureLoad, ReadsTheFormatsOfBothRoads) {
-    writeFile(path("a.bmp"), encoded(picture, "BMP"));
-    writeFile(path("a.png"), encoded(picture, "PNG"));
-    writeFile(path("a.jpg"), encoded(picture, "JPG"));
-    cDIBSectionSave writer;
-    int bits = 8;
-    writer.Save(picture, QStringLiteral("p"), nullptr, path("a.gif"), bits);
-    ASSERT_TRUE(saveWithFreeImage(picture, path("a.tif"), FIF_TIFF));
-    ASSERT_TRUE(saveWithFreeImage(picture, path("a.tga"), FIF_TARGA));
-    const QImage rgb = picture.convertToFormat(QImage::Format_RGB32);
-    EXPECT_EQ(LoadPictureFile(path("a.bmp")).convertToFormat(QImage::Format_RGB32), rgb);
-    EXPECT_EQ(LoadPictureFile(path("a.png")), rgb);
-    EXPECT_EQ(LoadPictureFile(path("a.tif")), rgb);
-    EXPECT_EQ(LoadPictureFile(path("a.tga")), rgb);
-    const QImage jpeg = LoadPictureFile(path("a.jpg"));
-    EXPECT_EQ(jpeg.size(), picture.size());
-    EXPECT_EQ(LoadPictureFile(path("a.gif")).size(), picture.size());
-    EXPECT_TRUE(responder.boxes.empty());
-}
-
-TEST_F(PictureLoad, LongExtensionsAndUpperCaseTakeTheirRoads) {
+TEST_F(PictureLoad, ReadsBothRoadsByTheLowerCasedExtension) {
+    for (const char* format : {"BMP", "PNG", "TIFF", "TGA"})
+        writeFile(path("a.") + QString::fromLatin1(format).toLower(), encoded(picture, format));
+    ASSERT_TRUE(SavePictureBoxImage(path("a.gif"), picture, 2));
     writeFile(path("b.JPEG"), encoded(picture, "JPG"));
-    ASSERT_TRUE(saveWithFreeImage(picture, path("b.TIFF"), FIF_TIFF));
-    EXPECT_FALSE(LoadPictureFile(path("b.JPEG")).isNull());
-    EXPECT_FALSE(LoadPictureFile(path("b.TIFF")).isNull());
-    // The platform road reads by content: a PNG named .JPG loads there.
-    writeFile(path("c.JPG"), encoded(picture, "PNG"));
-    EXPECT_FALSE(LoadPictureFile(path("c.JPG")).isNull());
-    // FreeImage is told the format by the name: a PNG named .tga does not load, silently.
-    writeFile(path("c.tga"), encoded(picture, "PNG"));
-    EXPECT_TRUE(LoadPictureFile(path("c.tga")).isNull());
-    EXPECT_TRUE(responder.boxes.empty());
+    writeFile(path("c.JPG"), encoded(picture, "PNG")); // the platform road reads by content
+    writeFile(path("c.tga"), encoded(picture, "PNG")); // FreeImage is told the format by name
+    const QImage twoColours = picture.convertToFormat(QImage::Format_Mono);
+    writeFile(path("p1.png"), encoded(twoColours, "PNG"));
+    writeFile(path("p8.png"), encoded(twoColours.convertToFormat(QImage::Format_Indexed8), "PNG"));
+    const QImage rgb = picture.convertToFormat(QImage::Format_RGB32);
+    for (const char* name : {"a.bmp", "a.png", "a.tiff", "a.tga", "c.JPG"})
+        EXPECT_EQ(LoadPictureFile(path(name), sink).convertToFormat(QImage::Format_RGB32), rgb)
+            << name;
+    for (const char* name : {"p1.png", "p8.png"}) // palette pictures of 1 and 8 bits
+        EXPECT_EQ(LoadPictureFile(path(name)), twoColours.convertToFormat(QImage::Format_RGB32));
+    EXPECT_EQ(LoadPictureFile(path("a.gif"), sink).size(), picture.size());
+    EXPECT_EQ(LoadPictureFile(path("b.JPEG"), sink).size(), picture.size());
+    for (const char* name : {"c.tga", "no-dot", "d.webp", "missing.png"}) {
+        const PictureFile file = ReadPictureFile(path(name));
+        EXPECT_TRUE(file.picture.isNull() && !file.unreadable && !file.reason.isEmpty()) << name;
+    }
+    EXPECT_TRUE(sink.questions.empty());
 }
 
-TEST_F(PictureLoad, NoDotOrAnUnknownExtensionGivesNothingSilently) {
-    writeFile(path("plain"), encoded(picture, "PNG"));
-    writeFile(path("d.webp"), encoded(picture, "PNG"));
-    EXPECT_TRUE(LoadPictureFile(path("plain")).isNull());
-    EXPECT_TRUE(LoadPictureFile(path("d.webp")).isNull());
-    EXPECT_TRUE(LoadPictureFile(path("missing.xyz")).isNull());
-    EXPECT_TRUE(responder.boxes.empty());
-}
-
-TEST_F(PictureLoad, MissingOrDamagedPlatformPicturesShowTheNoFileBox) {
+TEST_F(PictureLoad, MissingDamagedOrShortPicturesAskTheSinkForTheNoFileBox) {
     setTextLookup([](const QString& key) {
         return key == QLatin1String("STR_NO_FILE_FOUND") ? QStringLiteral("File not found:") : key;
     });
     const QByteArray jpeg = encoded(picture, "JPG");
-    writeFile(path("short.jpg"), jpeg.left(jpeg.size() / 2));
-    writeFile(path("junk.jpg"), QByteArray(300, '\x55'));
-    writeFile(path("header.jpg"), jpeg.left(20));
     const QByteArray bmp = encoded(picture, "BMP");
-    writeFile(path("short.bmp"), bmp.left(40));
+    writeFile(path("short.jpg"), jpeg.left(jpeg.size() / 2));
+    writeFile(path("head.bmp"), bmp.left(40));
+    writeFile(path("rows.bmp"), bmp.left(bmp.size() - 10)); // Qt would fill the rows with black
     writeFile(path("empty.gif"), QByteArray());
-    for (const char* name :
-         {"nothere.bmp", "short.jpg", "junk.jpg", "header.jpg", "short.bmp", "empty.gif"}) {
-        responder.boxes.clear();
-        EXPECT_TRUE(LoadPictureFile(path(name)).isNull()) << name;
-        ASSERT_EQ(responder.boxes.size(), 1u) << name;
-        EXPECT_EQ(responder.boxes[0].text,
+    for (const char* name : {"nothere.bmp", "short.jpg", "head.bmp", "rows.bmp", "empty.gif"}) {
+        sink.questions.clear();
+        EXPECT_TRUE(LoadPictureFile(path(name), sink).isNull()) << name;
+        ASSERT_EQ(sink.questions.size(), 1u) << name;
+        EXPECT_EQ(sink.questions[0].first,
                   QStringLiteral("File not found:\n%1\n").arg(QString::fromLatin1(name)));
-        EXPECT_EQ(responder.boxes[0].style, int(Vb::Information));
+        EXPECT_EQ(sink.questions[0].second, int(Vb::Information));
     }
     setTextLookup(nullptr);
+    EXPECT_EQ(ReadPictureFile(path("nothere.bmp")).reason, QStringLiteral("there is no such file"));
+    EXPECT_TRUE(ReadPictureFile(path("rows.bmp")).reason.contains(QStringLiteral("cut short")));
+    // The whole bitmap still reads.
+    writeFile(path("whole.bmp"), bmp);
+    EXPECT_FALSE(LoadPictureFile(path("whole.bmp")).isNull());
 }
 
-TEST_F(PictureLoad, BrokenFreeImagePicturesGiveNothingAndRecordTheFault) {
+TEST_F(PictureLoad, BrokenFreeImagePicturesGiveNothingQuietlyWithTheirReason) {
     const QByteArray png = encoded(picture, "PNG");
-    writeFile(path("short.png"), png.left(png.size() / 3));
-    writeFile(path("junk.png"), QByteArray(500, '\x7f'));
-    ASSERT_TRUE(saveWithFreeImage(picture, path("whole.tif"), FIF_TIFF));
-    const QByteArray tiff = readFile(path("whole.tif"));
-    writeFile(path("short.tif"), tiff.left(tiff.size() / 2));
-    writeFile(path("head.tif"), tiff.left(16));
-    testing::internal::CaptureStderr();
-    for (const char* name : {"short.png", "junk.png", "short.tif", "head.tif", "nothere.png"}) {
-        clearFreeImageError();
-        const QImage loaded = LoadPictureFile(path(name));
-        // A truncated file may still give a partial picture; it must never be a crash, and a
-        // file that cannot be read leaves its reason behind.
-        if (loaded.isNull()) {
-            EXPECT_FALSE(lastFreeImageError().isEmpty()) << name;
-        }
-    }
-    const std::string printed = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(printed.find("TIFF"), std::string::npos) << printed;
-    EXPECT_TRUE(responder.boxes.empty());
-}
-
-TEST_F(PictureLoad, FreeImageBitmapsOfEveryDepthConvert) {
-    QImage small(5, 3, QImage::Format_RGB32);
-    for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 5; ++x)
-            small.setPixel(x, y, (x + y) % 2 ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
-    // Palette-based and two-colour PNGs.
-    writeFile(path("p8.png"), encoded(small.convertToFormat(QImage::Format_Indexed8), "PNG"));
-    writeFile(path("p1.png"), encoded(small.convertToFormat(QImage::Format_Mono), "PNG"));
-    EXPECT_EQ(LoadPictureFile(path("p8.png")), small);
-    EXPECT_EQ(LoadPictureFile(path("p1.png")), small);
-    // Alpha is dropped: the colour channels stay as stored.
-    QImage alpha(2, 1, QImage::Format_ARGB32);
-    alpha.setPixel(0, 0, qRgba(10, 20, 30, 0));
-    alpha.setPixel(1, 0, qRgba(200, 100, 50, 255));
-    writeFile(path("a.png"), encoded(alpha, "PNG"));
-    const QImage loaded = LoadPictureFile(path("a.png"));
-    ASSERT_FALSE(loaded.isNull());
-    EXPECT_EQ(loaded.pixel(0, 0), qRgb(10, 20, 30));
-    EXPECT_EQ(loaded.pixel(1, 0), qRgb(200, 100, 50));
-}
-
-TEST(FreeImageBridge, ConversionFailuresRecordTheirTexts) {
-    QImage out(2, 2, QImage::Format_RGB32);
-    EXPECT_FALSE(FreeImage_BMP_From_DIB(nullptr, out));
-    EXPECT_TRUE(out.isNull());
-    EXPECT_EQ(lastFreeImageError(),
-              QStringLiteral("[FreeImage_BMP_From_DIB] No DIB specified to convert"));
-    // A 48-bit bitmap is nothing a device bitmap can be made from.
-    FIBITMAP* wide = FreeImage_AllocateT(FIT_RGB16, 4, 4);
-    ASSERT_NE(wide, nullptr);
-    EXPECT_FALSE(FreeImage_BMP_From_DIB(wide, out));
-    EXPECT_TRUE(lastFreeImageError().startsWith(
-        QStringLiteral("[FreeImage_BMP_From_DIB] CreateDIBitmap failed to create the BITMAP from "
-                       "the DIB reporting error code ")));
-    FreeImage_Unload(wide);
-    RecordFreeImageError(QStringLiteral("first"), false);
-    RecordFreeImageError(QStringLiteral("second"), true);
-    EXPECT_EQ(lastFreeImageError(), QStringLiteral("first"));
-    RecordFreeImageError(QStringLiteral("third"), false);
-    EXPECT_EQ(lastFreeImageError(), QStringLiteral("third"));
-}
-
-TEST_F(PictureLoad, AHeaderClaimingAHugePictureIsRefused) {
-    // A Targa header of 60000 by 60000 pixels at 24 bits and no pixel data.
-    QByteArray tga(18, '\0');
-    tga[2] = 2;
-    tga[12] = char(0x60);
-    tga[13] = char(0xEA);
-    tga[14] = char(0x60);
-    tga[15] = char(0xEA);
-    tga[16] = 24;
-    writeFile(path("huge.tga"), tga);
-    clearFreeImageError();
-    EXPECT_TRUE(LoadPictureFile(path("huge.tga")).isNull());
-    EXPECT_TRUE(lastFreeImageError().contains(QStringLiteral("claims 3600000000 pixels")))
-        << lastFreeImageError().toStdString();
-    EXPECT_TRUE(responder.boxes.empty());
-}
-
-TEST_F(PictureLoad, APictureThatBreaksTheDecoderCostsOnlyThePicture) {
+    const QByteArray tiff = encoded(picture, "TIFF");
+    // A Targa header of 60000 by 60000 pixels and no pixels.
+    const QByteArray huge = QByteArray::fromHex("000002000000000000000000") +
+                            "\x60\xEA\x60\xEA\x18" + QByteArray(1, '\0');
     // An RLE Photoshop file whose first run overflows its row: FreeImage writes past its
-    // buffer on it. The program must go on without the picture.
+    // buffer on it, which costs only the child that decodes it.
     const QByteArray psd =
         QByteArray::fromHex("3842505300010000000000000003000000040000000400080003000000000000000000"
                             "000000000100000000"
                             "00000003000000040000000400080003000000000000000000000000") +
         QByteArray(90, '\x40');
-    writeFile(path("broken.psd"), psd);
-    clearFreeImageError();
-    EXPECT_TRUE(LoadPictureFile(path("broken.psd")).isNull());
-    EXPECT_FALSE(lastFreeImageError().isEmpty());
-    EXPECT_TRUE(responder.boxes.empty());
-    // And the next picture loads as usual.
-    writeFile(path("fine.png"), encoded(picture, "PNG"));
+    const std::pair<const char*, QByteArray> cases[] = {{"short.png", png.left(png.size() / 3)},
+                                                        {"short.tif", tiff.left(tiff.size() / 2)},
+                                                        {"head.tif", tiff.left(16)},
+                                                        {"huge.tga", huge},
+                                                        {"broken.psd", psd}};
+    testing::internal::CaptureStderr();
+    for (const auto& [name, bytes] : cases) {
+        writeFile(path(name), bytes);
+        const PictureFile file = ReadPictureFile(path(name));
+        // A truncated file may still give a partial picture; one that gives none says why.
+        EXPECT_FALSE(file.picture.isNull() && file.reason.isEmpty()) << name;
+        EXPECT_FALSE(file.unreadable) << name;
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr().find("TIFF"), std::string::npos);
+    EXPECT_TRUE(ReadPictureFile(path("huge.tga")).reason.contains(QStringLiteral("3600000000")));
+    writeFile(path("fine.png"), png); // the next picture loads as usual
     EXPECT_EQ(LoadPictureFile(path("fine.png")), picture.convertToFormat(QImage::Format_RGB32));
+    QImage none;
+    EXPECT_FALSE(FreeImage_BMP_From_DIB(nullptr, none));
+    EXPECT_EQ(lastFreeImageError(),
+              QStringLiteral("[FreeImage_BMP_From_DIB] No DIB specified to convert"));
+}
+
+// The child process FreeImage decodes in.
+TEST(ChildProcess, GivesTheChildsBytesAndNothingElse) {
+    static int touched = 0; // changed in the child's memory only
+    const ChildRun run =
+        runInChild([] { return ++touched, QByteArray(100000, 'a') + "end"; }, 10000, 1 << 20);
+    EXPECT_TRUE(run.started && run.completed) << run.failure.toStdString();
+    EXPECT_EQ(run.bytes, QByteArray(100000, 'a') + "end");
+    EXPECT_EQ(touched, 0);
+}
+
+TEST(ChildProcess, ACrashAHangOrTooManyBytesCostOnlyTheChild) {
+    const struct {
+        std::function<QByteArray()> work;
+        int timeoutMs;
+        const char* failure;
+    } cases[] = {
+        {[] { return std::raise(SIGSEGV), QByteArray("never"); }, 10000, "signal 11"},
+        {[]() -> QByteArray { throw std::runtime_error("thrown"); }, 10000, "signal 6"},
+        {[] { return ::pause(), QByteArray(); }, 300, "did not finish in time"},
+        {[] { return QByteArray(5000, 'x'); }, 10000, "more than 4096 bytes"},
+    };
+    for (const auto& c : cases) {
+        const ChildRun run = runInChild(c.work, c.timeoutMs, 4096);
+        EXPECT_TRUE(run.started && !run.completed && run.bytes.isEmpty()) << c.failure;
+        EXPECT_TRUE(run.failure.contains(QString::fromLatin1(c.failure)))
+            << run.failure.toStdString();
+    }
 }
