@@ -4,6 +4,7 @@
 #include <QList>
 #include <QRect>
 #include <QString>
+#include <QStringList>
 #include <memory>
 
 class QLabel;
@@ -38,6 +39,8 @@ public:
 
     // The characters a message name may not hold.
     static const QString& illegalCharacters();
+    // The names chosen by the last delete, as they are stored (a name may hold a ",").
+    QStringList SelectedNames() const { return mSelectedNames; }
 
 signals:
     // mode 1 with an empty name: cancelled. In mode 5 `name` lists the names joined by ",".
@@ -71,6 +74,7 @@ private:
     int mMode = Open;
     bool mEnded = false;
     bool mTrimming = false;
+    QStringList mSelectedNames;
 
     QLabel* lblTitle;
     QListWidget* lstMsg;
