@@ -48,8 +48,7 @@ struct World {
 
 World* gWorld = nullptr;
 
-class WorldEnvironment : public ::testing::Environment {
-public:
+struct WorldEnvironment : ::testing::Environment {
     void SetUp() override { gWorld = new World; }
     void TearDown() override {
         delete gWorld;
@@ -71,13 +70,11 @@ std::vector<QByteArray> fuzzSeeds() {
         slide->setDuration(1000 * i);
         slide->setSound(QStringLiteral("beep.wav"));
         slide->setSoundDuration(800);
+        slide->DrawObjects()->setBackColor(0xFF00FF);
         clsDrawProperties text;
         text.typ = QStringLiteral("text");
         text.Data = QStringLiteral("Hi");
-        text.w = 40;
-        text.h = 20;
         slide->DrawObjects()->Add(text);
-        slide->DrawObjects()->setBackColor(0xFF00FF);
     }
     if (!message->SaveMessage())
         return {};

@@ -2,7 +2,9 @@
 
 #include "support/TestHome.h"
 
+#include <QDateTime>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
@@ -67,7 +69,11 @@ TEST(SingleInstance, SecondProgramExitsAndTheFirstStays) {
     EXPECT_EQ(second.exitCode(), 0);
     EXPECT_EQ(first.state(), QProcess::Running);
 
+    // Ended by the system (SIGTERM), the first one ends as Exit does and saves its preferences.
+    const QDateTime saved = QFileInfo(home.file(QStringLiteral("tessaly.xml"))).lastModified();
     first.terminate();
-    if (!first.waitForFinished(5000))
-        first.kill();
+    ASSERT_TRUE(first.waitForFinished(10000));
+    EXPECT_EQ(first.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(first.exitCode(), 0);
+    EXPECT_GT(QFileInfo(home.file(QStringLiteral("tessaly.xml"))).lastModified(), saved);
 }
