@@ -391,10 +391,10 @@ void frmMain::Form_Unload() {
     mTimerRecovery->stop();
     // A message the system ended with unsaved changes waits for the next start; every other
     // end was the user's choice, so an older copy is not offered again.
-    if (mEndedBySystem && mMessage && mChanged)
-        WriteRecoveryCopy();
-    else
+    if (!mEndedBySystem)
         removeRecoveryCopy();
+    else if (mMessage && mChanged)
+        WriteRecoveryCopy();
 
     mMMSManager.reset();
     delete mFrmOpen;
@@ -769,6 +769,11 @@ void frmMain::EndedBySystem() {
     if (mEndedBySystem)
         return;
     mEndedBySystem = true;
+    // The message as it stands now: a question still open may go on to replace it.
+    if (mMessage && mChanged)
+        WriteRecoveryCopy();
+    else
+        removeRecoveryCopy();
     // Dialogs still open are dismissed: the end does not ask.
     for (QWidget* window : QApplication::topLevelWidgets())
         if (auto* dialog = qobject_cast<QDialog*>(window); dialog && dialog->isVisible())

@@ -29,7 +29,6 @@ public:
     explicit frmMessageList(clsMMSManager* manager = nullptr, QWidget* parent = nullptr);
     ~frmMessageList() override;
 
-    void setManager(clsMMSManager* manager) { mManager = manager; }
     // Loads the window afresh for `mode` (2 open, 3 new, 4 save as, 5 delete).
     void SetFunction(int mode);
     int mode() const { return mMode; }
