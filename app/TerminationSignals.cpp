@@ -1,5 +1,6 @@
 #include "app/TerminationSignals.h"
 
+#include <QMetaMethod>
 #include <QSocketNotifier>
 #include <cerrno>
 #include <csignal>
@@ -66,6 +67,14 @@ TerminationSignals* TerminationSignals::instance() {
 
 void TerminationSignals::readPipe() {
     unsigned char byte = 0;
-    while (::read(gPipe[0], &byte, 1) == 1)
+    while (::read(gPipe[0], &byte, 1) == 1) {
+        // Before the main window listens (or after it has gone) the signal does what it always
+        // did: it ends the process.
+        if (!isSignalConnected(
+                QMetaMethod::fromSignal(&TerminationSignals::terminationRequested))) {
+            ::signal(byte, SIG_DFL);
+            ::raise(byte);
+        }
         emit terminationRequested(byte);
+    }
 }
