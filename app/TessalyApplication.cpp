@@ -1,5 +1,6 @@
 #include "app/TessalyApplication.h"
 
+#include "app/TerminationSignals.h"
 #include "app/modMain.h"
 #include "platform/Failure.h"
 #include "platform/modShared.h"
@@ -11,6 +12,8 @@ TessalyApplication::TessalyApplication(int& argc, char** argv) : QApplication(ar
     setApplicationDisplayName(kAppTitle);
     setOrganizationName(QStringLiteral("Tessaly"));
     setQuitOnLastWindowClosed(true);
+    // The end of the session or a shutdown reaches the main window, which ends as Exit does.
+    new TerminationSignals(this);
 }
 
 bool TessalyApplication::notify(QObject* receiver, QEvent* event) {

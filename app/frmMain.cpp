@@ -2,31 +2,37 @@
 #include "controls/modTranslate.h"
 #include "ui_frmMain.h"
 
+#include "app/TerminationSignals.h"
 #include "app/modMain.h"
 #include "browse/frmMessageList.h"
 #include "config/clsPropertiesXML.h"
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
 #include "controls/BoxStatusSink.h"
+#include "controls/ctlMainMenu.h"
 #include "controls/frmAbout.h"
 #include "controls/frmSplash.h"
 #include "controls/modGlyphs.h"
 #include "controls/modSkin.h"
 #include "controls/modTitleBar.h"
+#include "document/clsDrawObject.h"
+#include "document/clsDrawObjects.h"
 #include "document/clsMessage.h"
 #include "document/clsSlide.h"
 #include "document/clsSlides.h"
 #include "platform/AppPaths.h"
+#include "platform/Failure.h"
 #include "platform/Twips.h"
 #include "platform/VbFormat.h"
 #include "platform/modDialogs.h"
 #include "platform/modShared.h"
 #include "platform/modText.h"
 #include "store/clsMMSManager.h"
+#include "store/modRecovery.h"
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDir>
+#include <QDialog>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
@@ -50,26 +56,39 @@ void waitForSplash() {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
-// Menu keys of the bar.
-enum MenuKey : std::int32_t {
-    kFileNew = 1,
-    kFileOpen = 2,
-    kFileSave = 3,
-    kFileSaveAs = 4,
-    kFileDelete = 5,
-    kFileSettings = 6,
-    kFileSaveAsTemplate = 7,
-    kFileSaveAsSis = 8,
-    kFileOpenTemplate = 9,
-    kFileExit = 10,
-    kSlideAdd = 11,
-    kSlideDeleteSlide = 19,
-    kSlideDeleteImage = 20,
-    kSlideDeleteSound = 21,
-    kSlideDeleteText = 22,
-    kSlidePreview = 24,
-    kHelpAbout = 27,
-};
+// How often the recovery copy of a changed message is written.
+constexpr int kRecoveryInterval = 60 * 1000;
+
+// The local text of `key` with its numbered markers filled.
+QString textWith(const QString& key, const QStringList& params) {
+    QString text = localText(key);
+    text.replace(QStringLiteral("%n"), QStringLiteral("\r\n"));
+    for (qsizetype i = 0; i < params.size(); ++i)
+        text.replace(QLatin1Char('%') + QString::number(i), params[i]);
+    return text;
+}
+
+// Reads every number of `message` that the window and the slide controls read, and writes back
+// what the window stores from its controls, so that a damaged document is refused when it is
+// opened rather than failing on a later click. Raises the failure of the first value that
+// cannot be read or written.
+void checkUsable(clsMessage& message) {
+    if (!message.Slides())
+        raiseObjectNotSet(QStringLiteral("frmMain.OpenMessage"));
+    for (const auto& slide : *message.Slides()) {
+        slide->Index();
+        slide->Color();
+        slide->SoundDuration();
+        slide->setDuration(slide->Duration());
+        slide->setText(slide->Text());
+        slide->setSound(slide->Sound());
+        if (clsDrawObjects* objects = slide->DrawObjects()) {
+            objects->BackColor();
+            for (const auto& object : *objects)
+                object->GetAllPproperties();
+        }
+    }
+}
 
 // The text of each tool page, by page index.
 const char* const kToolTitles[] = {"STR_BACKGROUND_TITLE", "STR_TEXT_TITLE", "STR_AUDIO_TITLE",
@@ -94,6 +113,14 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::frm
     mTimerExitWait->setObjectName(QStringLiteral("TimerExitWait"));
     mTimerExitWait->setInterval(100);
     connect(mTimerExitWait, &QTimer::timeout, this, &frmMain::TimerExitWait_Timer);
+
+    mTimerRecovery = new QTimer(this);
+    mTimerRecovery->setObjectName(QStringLiteral("TimerRecovery"));
+    mTimerRecovery->setInterval(kRecoveryInterval);
+    connect(mTimerRecovery, &QTimer::timeout, this, &frmMain::TimerRecovery_Timer);
+    if (TerminationSignals* termination = TerminationSignals::instance())
+        connect(termination, &TerminationSignals::terminationRequested, this,
+                &frmMain::EndedBySystem);
 
     connect(ui->ctlMainMenu1, &ctlMainMenu::MenuClick, this, &frmMain::ctlMainMenu1_MenuClick);
     connect(ui->ctlMainMenu1, &ctlMainMenu::MenuMouseDown, this,
@@ -187,6 +214,8 @@ void frmMain::Form_Activate() {
         NewMessage(gUntitledName);
 
     waitForSplash();
+    OfferRecoveryCopy();
+    mTimerRecovery->start();
 
     gStarting = false;
 }
@@ -364,8 +393,13 @@ void frmMain::Form_Unload() {
     mUnloaded = true;
     waitForSplash();
 
-    // Pictures taken from the picture browser stay in the work folder.
-    QDir(joinPath(appFolder(), QStringLiteral("Work"))).exists();
+    mTimerRecovery->stop();
+    // A message the system ended with unsaved changes waits for the next start; every other
+    // end was the user's choice, so an older copy is not offered again.
+    if (!mEndedBySystem)
+        removeRecoveryCopy();
+    else if (mMessage && mChanged)
+        WriteRecoveryCopy();
 
     mMMSManager.reset();
     delete mFrmOpen;
@@ -482,15 +516,15 @@ void frmMain::MMSCommunication_Connect(bool connected, int connectionType, const
 void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
     const bool ask = askNewSlide();
     switch (key) {
-    case kFileNew:
+    case MenuKey::FileNew:
         gUntitledName = text(QStringLiteral("STR_UNTITLED"));
         NewMessage(gUntitledName);
         break;
-    case kFileOpen:
-        AskSaveCurrent();
-        ShowOpenDialog();
+    case MenuKey::FileOpen:
+        if (AskSaveCurrent())
+            ShowOpenDialog();
         break;
-    case kFileSave:
+    case MenuKey::FileSave:
         if (mMessage) {
             if (mMessage->name() != gUntitledName)
                 SaveCurrentMessage(false);
@@ -498,24 +532,24 @@ void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
                 ShowSaveAsDialog();
         }
         break;
-    case kFileSaveAs:
+    case MenuKey::FileSaveAs:
         ShowSaveAsDialog();
         break;
-    case kFileDelete:
+    case MenuKey::FileDelete:
         ShowDeleteDialog();
         break;
-    case kFileSaveAsTemplate:
-    case kFileSaveAsSis:
-    case kFileOpenTemplate:
+    case MenuKey::FileSaveAsTemplate:
+    case MenuKey::FileSaveAsSis:
+    case MenuKey::FileOpenTemplate:
         // Templates and packages are made only when a message is sent.
         break;
-    case kFileExit:
+    case MenuKey::FileExit:
         RequestExit();
         break;
-    case kSlideAdd:
+    case MenuKey::SlideAdd:
         AddSlide(ask, true);
         break;
-    case kHelpAbout: {
+    case MenuKey::HelpAbout: {
         frmAbout about(this); // translates itself when it loads
         about.exec();
         break;
@@ -561,6 +595,7 @@ void frmMain::mFrmOpen_SelectedMessage(int mode, const QString& rawName) {
     if (mode != frmMessageList::Cancelled && name.isEmpty()) {
         MsgBox(text(QStringLiteral("STR_ENTER_NAME")), Vb::Information,
                text(QStringLiteral("APP_PRODUCTNAME")));
+        mDialogCancelled = true; // nothing was done: a command waiting on the dialog stops
         return;
     }
     switch (mode) {
@@ -576,31 +611,55 @@ void frmMain::mFrmOpen_SelectedMessage(int mode, const QString& rawName) {
     case frmMessageList::SaveAs:
         if (mMessage)
             SaveMessageAs(name);
+        else
+            mDialogCancelled = true;
         break;
-    case frmMessageList::Delete:
-        DeleteMessages(name);
+    case frmMessageList::Delete: {
+        // The names as the dialog chose them: a stored name may itself hold a ",".
+        const QStringList chosen = mFrmOpen->SelectedNames();
+        DeleteMessages(chosen.join(QLatin1Char(',')) == rawName ? chosen : QStringList{name});
         break;
+    }
     default:
         break;
     }
 }
 
 void frmMain::NewMessage(const QString& name) {
-    if (mMessage && mChanged)
-        AskSaveCurrent();
+    if (!AskSaveCurrent())
+        return;
     if (name == gUntitledName)
         mMMSManager->DeleteMsg(name, false);
-    mMessage = mMMSManager->CreateMsg(name);
+    std::shared_ptr<clsMessage> created = mMMSManager->CreateMsg(name);
+    if (!created) {
+        // The store refuses a name it could never save; the current message stays.
+        MsgBox(text(QStringLiteral("STR_ILLEG_CHR")) + name, Vb::Exclamation,
+               text(QStringLiteral("APP_PRODUCTNAME")));
+        return;
+    }
+    mMessage = created;
     mSlide.reset();
     AddSlide(false, false);
     mChanged = false;
 }
 
 void frmMain::OpenMessage(const QString& name, bool askFirst) {
-    if (askFirst)
-        AskSaveCurrent();
+    if (askFirst && !AskSaveCurrent())
+        return;
     mFrmOpen->hide();
-    mMessage = mMMSManager->OpenMsg(name);
+    std::shared_ptr<clsMessage> opened;
+    try {
+        opened = mMMSManager->OpenMsg(name);
+        if (!opened)
+            raiseFailure(FailureNumber::InvalidProcedureCall, QStringLiteral("OpenMessage"));
+        checkUsable(*opened);
+    } catch (const Failure&) {
+        // A damaged message is refused; the current one stays as it was.
+        MsgBox(text(QStringLiteral("STR_OPEN_MSG_ERROR")) + QLatin1Char('\n') + name, Vb::Critical,
+               text(QStringLiteral("STR_ERROR")));
+        return;
+    }
+    mMessage = opened;
     mSlide.reset();
     LoadSlideToUI(1);
     if (!mSlide)
@@ -621,8 +680,7 @@ bool frmMain::SaveCurrentMessage(bool askName) {
     // A failed save is said, and the message stays marked as changed so that nothing is lost
     // without a question.
     if (!mMessage->SaveMessage()) {
-        MsgBox(text(QStringLiteral("STR_SAVE_MSG_ERROR")), Vb::Critical,
-               text(QStringLiteral("STR_ERROR")));
+        ShowSaveError();
         return false;
     }
     mChanged = false;
@@ -632,43 +690,45 @@ bool frmMain::SaveCurrentMessage(bool askName) {
 void frmMain::SaveMessageAs(const QString& name) {
     if (!mMessage)
         return;
-    StoreSlideFromUI();
-    bool saved;
-    if (name == mMessage->name()) {
-        saved = mMessage->SaveMessage();
-    } else {
-        mMessage->setName(name);
-        saved = mMessage->SaveMessage();
-        UpdateTitle();
+    // Untitled work is trashed by the next New and never listed: no message is saved so.
+    if (!gUntitledName.isEmpty() && name.contains(gUntitledName)) {
+        MsgBox(textWith(QStringLiteral("STR_NAME_UNTITLED"), {gUntitledName}), Vb::Exclamation,
+               text(QStringLiteral("BTN_SAVEAS")));
+        mDialogCancelled = true;
+        return;
     }
+    StoreSlideFromUI();
+    // The message takes the new name only once it is saved under it.
+    const bool saved =
+        name == mMessage->name() ? mMessage->SaveMessage() : mMessage->SaveMessageAs(name);
+    UpdateTitle();
     if (!saved) {
         // A save that did not happen counts as a cancelled dialog, so an exit waits for it.
-        MsgBox(text(QStringLiteral("STR_SAVE_MSG_ERROR")), Vb::Critical,
-               text(QStringLiteral("STR_ERROR")));
+        ShowSaveError();
         mDialogCancelled = true;
         return;
     }
     mChanged = false;
 }
 
-void frmMain::AskSaveCurrent() {
-    if (!mMessage || !mChanged)
-        return;
-    if (MsgBox(text(QStringLiteral("STR_SAVE_MSG")), Vb::YesNo | Vb::Question,
-               text(QStringLiteral("BTN_SAVE"))) != Vb::Yes)
-        return;
-    if (mMessage->name() == gUntitledName) {
-        ShowSaveAsDialog();
-        return;
-    }
-    StoreSlideFromUI();
-    if (!mMessage->SaveMessage())
-        MsgBox(text(QStringLiteral("STR_SAVE_MSG_ERROR")), Vb::Critical,
-               text(QStringLiteral("STR_ERROR")));
+void frmMain::ShowSaveError() {
+    MsgBox(text(QStringLiteral("STR_SAVE_MSG_ERROR")), Vb::Critical,
+           text(QStringLiteral("STR_ERROR")));
 }
 
-void frmMain::DeleteMessages(const QString& names) {
-    for (const QString& name : names.split(QLatin1Char(','))) {
+bool frmMain::AskSaveCurrent() {
+    if (!mMessage || !mChanged)
+        return true;
+    if (MsgBox(text(QStringLiteral("STR_SAVE_MSG")), Vb::YesNo | Vb::Question,
+               text(QStringLiteral("BTN_SAVE"))) != Vb::Yes)
+        return true;
+    if (mMessage->name() == gUntitledName)
+        return !ShowSaveAsDialog();
+    return SaveCurrentMessage(false);
+}
+
+void frmMain::DeleteMessages(const QStringList& names) {
+    for (const QString& name : names) {
         if (!mMessage || name != mMessage->name()) {
             mMMSManager->DeleteMsg(name, true);
         } else {
@@ -676,6 +736,59 @@ void frmMain::DeleteMessages(const QString& names) {
                    Vb::Exclamation, text(QStringLiteral("STR_DELETE_MSG")));
         }
     }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Recovery and the end by the system
+
+void frmMain::WriteRecoveryCopy() {
+    StoreSlideFromUI();
+    writeRecoveryCopy(*mMessage); // a copy that cannot be written leaves the previous one
+}
+
+void frmMain::TimerRecovery_Timer() {
+    if (!mMessage)
+        return;
+    if (mChanged)
+        WriteRecoveryCopy();
+    else
+        removeRecoveryCopy(); // saved since: nothing to recover
+}
+
+void frmMain::OfferRecoveryCopy() {
+    if (!hasRecoveryCopy())
+        return;
+    const int answer = MsgBox(textWith(QStringLiteral("STR_RECOVER_MSG"), {recoveryCopyName()}),
+                              Vb::YesNo | Vb::Question, text(QStringLiteral("APP_PRODUCTNAME")));
+    if (answer == Vb::Yes) {
+        if (auto restored = restoreRecoveryCopy(*mMMSManager)) {
+            mMessage = restored;
+            mSlide.reset();
+            LoadSlideToUI(1);
+            if (!mSlide)
+                AddSlide(false, false);
+            UpdateTitle();
+            UpdateTotalTime();
+            mChanged = true; // not saved yet
+        }
+    }
+    removeRecoveryCopy();
+}
+
+void frmMain::EndedBySystem() {
+    if (mEndedBySystem)
+        return;
+    mEndedBySystem = true;
+    // The message as it stands now: a question still open may go on to replace it.
+    if (mMessage && mChanged)
+        WriteRecoveryCopy();
+    else
+        removeRecoveryCopy();
+    // Dialogs still open are dismissed: the end does not ask.
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (auto* dialog = qobject_cast<QDialog*>(window); dialog && dialog->isVisible())
+            dialog->reject();
+    mTimerExitWait->start();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -762,7 +875,7 @@ std::int32_t frmMain::UpdateTotalTime() {
 
 void frmMain::EnableSlideCommands(bool enabled) {
     ui->cmdDeleteSlide->setEnabled(enabled);
-    for (std::int32_t key :
-         {kSlideDeleteSlide, kSlideDeleteImage, kSlideDeleteSound, kSlideDeleteText})
+    for (std::int32_t key : {MenuKey::SlideDeleteSlide, MenuKey::SlideDeleteImage,
+                             MenuKey::SlideDeleteSound, MenuKey::SlideDeleteText})
         ui->ctlMainMenu1->MenuItemEnabled(key, enabled);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStringList>
 #include <QWidget>
 #include <cstdint>
 #include <memory>
@@ -37,6 +38,8 @@ public:
     void setChanged(bool changed) { mChanged = changed; }
     clsMMSManager* MMSManager() const { return mMMSManager.get(); }
     QTimer* TimerExitWait() const { return mTimerExitWait; }
+    // Writes the recovery copy of a changed message every minute.
+    QTimer* TimerRecovery() const { return mTimerRecovery; }
 
     // Commands; the menu bar, the buttons and the dialogs end here.
     void ctlMainMenu1_MenuClick(std::int32_t key);
@@ -46,8 +49,10 @@ public:
     // False when the message could not be written.
     bool SaveCurrentMessage(bool askName);
     void SaveMessageAs(const QString& name);
-    void AskSaveCurrent();
-    void DeleteMessages(const QString& names);
+    // Offers to save a changed message; false when the command that asked must stop (the
+    // Save As dialog was cancelled or the save failed).
+    bool AskSaveCurrent();
+    void DeleteMessages(const QStringList& names);
     void ShowOpenDialog();
     void ShowNewDialog();
     bool ShowSaveAsDialog();
@@ -55,6 +60,9 @@ public:
     void mFrmOpen_SelectedMessage(int mode, const QString& name);
     void ApplySettings();
     void MMSCommunication_Connect(bool connected, int connectionType, const QString& name);
+    // The system ends the program: it ends as Exit does, without asking; a changed message is
+    // kept as the recovery copy and the preferences are saved.
+    void EndedBySystem();
 
     // Slides.
     void AddSlide(bool ask, bool storeFirst);
@@ -85,6 +93,10 @@ private:
     void InitSkin();
     void InitTools();
     void TimerExitWait_Timer();
+    void TimerRecovery_Timer();
+    void WriteRecoveryCopy();
+    void OfferRecoveryCopy();
+    void ShowSaveError();
     void LoadDuration();
     void LoadTextAndSound();
     void txtMessage_Change();
@@ -102,10 +114,12 @@ private:
     bool mDialogCancelled = false;
     bool mUnloading = false;
     bool mUnloaded = false;
+    bool mEndedBySystem = false;
     int mWindowWidth = kWindowWidthUndocked;
     int mWindowHeight = kWindowHeight;
     bool mDocked = false;
     std::unique_ptr<clsMMSManager> mMMSManager;
     frmMessageList* mFrmOpen = nullptr;
     QTimer* mTimerExitWait = nullptr;
+    QTimer* mTimerRecovery = nullptr;
 };

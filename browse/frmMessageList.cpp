@@ -85,6 +85,21 @@ public:
     }
 };
 
+// `text` without the characters a name may not hold; the first one taken goes to `refused`.
+QString withoutIllegal(const QString& text, QString& refused) {
+    QString kept;
+    kept.reserve(text.size());
+    for (const QChar c : text) {
+        if (frmMessageList::illegalCharacters().contains(c)) {
+            if (refused.isEmpty())
+                refused = c;
+        } else {
+            kept += c;
+        }
+    }
+    return kept;
+}
+
 // Trims blanks only, as the name box always has.
 QString trimBlanks(const QString& text) {
     qsizetype from = 0;
@@ -256,15 +271,23 @@ bool frmMessageList::listHolds(const QString& name) const {
 void frmMessageList::txtName_Change() {
     if (mTrimming)
         return;
-    const QString text = txtName->text();
+    // Pasted or set text is held to the same rule as typed text.
+    QString refused;
+    const QString text = withoutIllegal(txtName->text(), refused);
+    if (!refused.isEmpty()) {
+        lblIllegalChar->setText(textOf(QStringLiteral("STR_ILLEG_CHR")) + refused);
+        QApplication::beep();
+    }
     const QString trimmed = trimBlanks(text);
-    if (trimmed != text) {
-        // The caret keeps its place in the name: it moves back by the blanks taken from the
-        // front and stays inside what is left.
+    if (trimmed != txtName->text()) {
+        // The caret keeps its place in the name: it moves back by the characters taken before
+        // it and by the blanks taken from the front, and stays inside what is left.
         qsizetype leading = 0;
         while (leading < text.size() && text.at(leading) == QLatin1Char(' '))
             ++leading;
-        const qsizetype caret = txtName->cursorPosition();
+        QString ignored;
+        const qsizetype caret =
+            withoutIllegal(txtName->text().left(txtName->cursorPosition()), ignored).size();
         const qsizetype kept =
             std::clamp<qsizetype>(caret - std::min(caret, leading), 0, trimmed.size());
         mTrimming = true;
@@ -304,6 +327,7 @@ void frmMessageList::cmdOpen_Click() {
         for (int i = 0; i < lstMsg->count(); ++i)
             if (lstMsg->item(i)->isSelected())
                 names << firstField(lstMsg->item(i)->text());
+        mSelectedNames = names;
         end(Delete, names.join(QLatin1Char(',')));
         return;
     }

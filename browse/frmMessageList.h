@@ -4,6 +4,7 @@
 #include <QList>
 #include <QRect>
 #include <QString>
+#include <QStringList>
 #include <memory>
 
 class QLabel;
@@ -28,7 +29,6 @@ public:
     explicit frmMessageList(clsMMSManager* manager = nullptr, QWidget* parent = nullptr);
     ~frmMessageList() override;
 
-    void setManager(clsMMSManager* manager) { mManager = manager; }
     // Loads the window afresh for `mode` (2 open, 3 new, 4 save as, 5 delete).
     void SetFunction(int mode);
     int mode() const { return mMode; }
@@ -38,6 +38,8 @@ public:
 
     // The characters a message name may not hold.
     static const QString& illegalCharacters();
+    // The names chosen by the last delete, as they are stored (a name may hold a ",").
+    QStringList SelectedNames() const { return mSelectedNames; }
 
 signals:
     // mode 1 with an empty name: cancelled. In mode 5 `name` lists the names joined by ",".
@@ -71,6 +73,7 @@ private:
     int mMode = Open;
     bool mEnded = false;
     bool mTrimming = false;
+    QStringList mSelectedNames;
 
     QLabel* lblTitle;
     QListWidget* lstMsg;

@@ -15,36 +15,38 @@
 
 namespace {
 
-// The language key of each item caption, by key; empty where no item has that key.
-const char* const kCaptionKeys[ctlMainMenu::kItemCount] = {
-    "",                           // 0
-    "MNU_FILE_NEW",               // 1
-    "MNU_FILE_OPEN",              // 2
-    "MNU_FILE_SAVE",              // 3
-    "MNU_FILE_SAVEAS",            // 4
-    "MNU_FILE_DELETE",            // 5
-    "MNU_FILE_SETTINGS",          // 6
-    "MNU_FILE_SAVEAS_TPL",        // 7
-    "MNU_FILE_SAVEAS_SIS",        // 8
-    "MNU_FILE_OPEN_TPL",          // 9
-    "MNU_FILE_EXIT",              // 10
-    "MNU_SLIDE_ADD",              // 11
-    "MNU_SLIDE_INSERT",           // 12: title of a sub-menu
-    "MNU_SLIDE_BEFORE",           // 13
-    "MNU_SLIDE_AFTER",            // 14
-    "MNU_SLIDE_DUPLICATE",        // 15: title of a sub-menu
-    "MNU_SLIDE_BEFORE",           // 16
-    "MNU_SLIDE_AFTER",            // 17
-    "MNU_SLIDE_DELETE",           // 18: title of a sub-menu
-    "MNU_SLIDE_DELETE_SLIDE",     // 19
-    "MNU_SLIDE_DELETE_IMAGE",     // 20
-    "MNU_SLIDE_DELETE_SOUND",     // 21
-    "MNU_SLIDE_DELETE_TEXT",      // 22
-    "MNU_SLIDE_BACKGROUND",       // 23
-    "MNU_SLIDE_PREVIEW",          // 24
-    "MNU_SLIDE_DOWNLOAD_PICTURE", // 25
-    "",                           // 26
-    "MNU_HELP_ABOUT",             // 27
+// The language key of each item's caption.
+struct MenuCaption {
+    std::int32_t key;
+    const char* languageKey;
+};
+constexpr MenuCaption kCaptions[] = {
+    {MenuKey::FileNew, "MNU_FILE_NEW"},
+    {MenuKey::FileOpen, "MNU_FILE_OPEN"},
+    {MenuKey::FileSave, "MNU_FILE_SAVE"},
+    {MenuKey::FileSaveAs, "MNU_FILE_SAVEAS"},
+    {MenuKey::FileDelete, "MNU_FILE_DELETE"},
+    {MenuKey::FileSettings, "MNU_FILE_SETTINGS"},
+    {MenuKey::FileSaveAsTemplate, "MNU_FILE_SAVEAS_TPL"},
+    {MenuKey::FileSaveAsSis, "MNU_FILE_SAVEAS_SIS"},
+    {MenuKey::FileOpenTemplate, "MNU_FILE_OPEN_TPL"},
+    {MenuKey::FileExit, "MNU_FILE_EXIT"},
+    {MenuKey::SlideAdd, "MNU_SLIDE_ADD"},
+    {MenuKey::SlideInsert, "MNU_SLIDE_INSERT"},
+    {MenuKey::SlideInsertBefore, "MNU_SLIDE_BEFORE"},
+    {MenuKey::SlideInsertAfter, "MNU_SLIDE_AFTER"},
+    {MenuKey::SlideDuplicate, "MNU_SLIDE_DUPLICATE"},
+    {MenuKey::SlideDuplicateBefore, "MNU_SLIDE_BEFORE"},
+    {MenuKey::SlideDuplicateAfter, "MNU_SLIDE_AFTER"},
+    {MenuKey::SlideDelete, "MNU_SLIDE_DELETE"},
+    {MenuKey::SlideDeleteSlide, "MNU_SLIDE_DELETE_SLIDE"},
+    {MenuKey::SlideDeleteImage, "MNU_SLIDE_DELETE_IMAGE"},
+    {MenuKey::SlideDeleteSound, "MNU_SLIDE_DELETE_SOUND"},
+    {MenuKey::SlideDeleteText, "MNU_SLIDE_DELETE_TEXT"},
+    {MenuKey::SlideBackground, "MNU_SLIDE_BACKGROUND"},
+    {MenuKey::SlidePreview, "MNU_SLIDE_PREVIEW"},
+    {MenuKey::SlideDownloadPicture, "MNU_SLIDE_DOWNLOAD_PICTURE"},
+    {MenuKey::HelpAbout, "MNU_HELP_ABOUT"},
 };
 
 const char* const kMenuKeys[ctlMainMenu::kMenuCount] = {"MNU_FILE", "MNU_SLIDE", "MNU_HELP"};
@@ -53,12 +55,18 @@ const char* const kMenuDefaults[ctlMainMenu::kMenuCount] = {"File", "Slide", "He
 constexpr int kLabelGap = 8;
 
 // The text of `key` from the localiser, or from the program's text look-up without one.
-QString textOf(const clsXMLocalizer* localizer, const char* key) {
-    const QString name = QString::fromLatin1(key);
-    return localizer ? localizer->GetString(name) : localText(name);
+QString textOf(const clsXMLocalizer* localizer, const QString& key) {
+    return localizer ? localizer->GetString(key) : localText(key);
 }
 
 } // namespace
+
+QString menuCaptionKey(std::int32_t key) {
+    for (const MenuCaption& caption : kCaptions)
+        if (caption.key == key)
+            return QString::fromLatin1(caption.languageKey);
+    return {};
+}
 
 ctlMainMenu::ctlMainMenu(QWidget* parent) : QWidget(parent), mPopup(new clsPopupMenu) {
     setObjectName(QStringLiteral("ctlMainMenu"));
@@ -80,9 +88,8 @@ ctlMainMenu::ctlMainMenu(QWidget* parent) : QWidget(parent), mPopup(new clsPopup
     mTimer1->setObjectName(QStringLiteral("Timer1"));
     mTimer1->setInterval(50);
     connect(mTimer1, &QTimer::timeout, this, &ctlMainMenu::timer1Tick);
-    for (int key = 0; key < kItemCount; ++key)
-        if (*kCaptionKeys[key])
-            mCaptions[key] = localText(QString::fromLatin1(kCaptionKeys[key]));
+    for (const MenuCaption& caption : kCaptions)
+        mCaptions[caption.key] = localText(QString::fromLatin1(caption.languageKey));
     placeLabels();
     rebuildStrings();
 }
@@ -95,12 +102,11 @@ void ctlMainMenu::TranslateControl(clsXMLocalizer* localizer) {
     if (localizer)
         ChangeCharSetUsrCtrl(*localizer, {mLabels.begin(), mLabels.end()});
     for (int i = 0; i < kMenuCount; ++i) {
-        mLabels[i]->setText(textOf(localizer, kMenuKeys[i]));
+        mLabels[i]->setText(textOf(localizer, QString::fromLatin1(kMenuKeys[i])));
         mLabels[i]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     }
-    for (int key = 0; key < kItemCount; ++key)
-        if (*kCaptionKeys[key])
-            mCaptions[key] = textOf(localizer, kCaptionKeys[key]);
+    for (const MenuCaption& caption : kCaptions)
+        mCaptions[caption.key] = textOf(localizer, QString::fromLatin1(caption.languageKey));
     placeLabels();
     rebuildStrings();
 }
@@ -157,34 +163,36 @@ void ctlMainMenu::setHotColor(const QColor& colour) {
 }
 
 void ctlMainMenu::rebuildStrings() {
-    auto item = [this](int key) {
+    using namespace MenuKey;
+    auto item = [this](std::int32_t key) {
         return mCaptions[key] + QLatin1Char(';') + QString::number(key);
     };
-    auto marked = [this](int key) {
-        return mMarks[key] + mCaptions[key] + QLatin1Char(';') + QString::number(key);
-    };
-    QStringList file{item(1), item(2), QStringLiteral("-"), item(3), item(4), QStringLiteral("-")};
+    // Only the items of the Delete sub-menu show their mark.
+    auto marked = [this, &item](std::int32_t key) { return mMarks[key] + item(key); };
+    const QString separator = QStringLiteral("-");
+    QStringList file{item(FileNew),  item(FileOpen),   separator,
+                     item(FileSave), item(FileSaveAs), separator};
     if (mTemplates)
-        file << item(9) << item(7) << item(8) << QStringLiteral("-");
-    file << item(5) << QStringLiteral("-") << item(6) << QStringLiteral("-") << item(10);
+        file << item(FileOpenTemplate) << item(FileSaveAsTemplate) << item(FileSaveAsSis)
+             << separator;
+    file << item(FileDelete) << separator << item(FileSettings) << separator << item(FileExit);
     mStrings[0] = file.join(QLatin1Char(','));
 
-    const QString title = QStringLiteral("%1;0");
+    auto subMenu = [this](std::int32_t title, const QStringList& items) {
+        return (QStringList{mCaptions[title] + QStringLiteral(";0")} + items)
+            .join(QLatin1Char('|'));
+    };
     QStringList slide;
-    slide << item(11);
-    slide << QStringList{title.arg(mCaptions[12]), item(13), item(14)}.join(QLatin1Char('|'));
-    slide << QStringList{title.arg(mCaptions[15]), item(16), item(17)}.join(QLatin1Char('|'));
-    slide << QStringList{title.arg(mCaptions[18]),
-                         marked(19),
-                         QStringLiteral("-"),
-                         marked(20),
-                         marked(21),
-                         marked(22)}
-                 .join(QLatin1Char('|'));
-    slide << QStringLiteral("-") << item(23) << QStringLiteral("-") << item(24) << item(25);
+    slide << item(SlideAdd);
+    slide << subMenu(SlideInsert, {item(SlideInsertBefore), item(SlideInsertAfter)});
+    slide << subMenu(SlideDuplicate, {item(SlideDuplicateBefore), item(SlideDuplicateAfter)});
+    slide << subMenu(SlideDelete, {marked(SlideDeleteSlide), separator, marked(SlideDeleteImage),
+                                   marked(SlideDeleteSound), marked(SlideDeleteText)});
+    slide << separator << item(SlideBackground) << separator << item(SlidePreview)
+          << item(SlideDownloadPicture);
     mStrings[1] = slide.join(QLatin1Char(','));
 
-    mStrings[2] = item(27);
+    mStrings[2] = item(HelpAbout);
 }
 
 void ctlMainMenu::placeLabels() {

@@ -13,6 +13,43 @@ class QLabel;
 class QTimer;
 class clsXMLocalizer;
 
+// The keys the menu bar raises by MenuClick, one per item. 12, 15 and 18 are the titles of the
+// Slide menu's sub-menus and 26 is free: they are never raised.
+namespace MenuKey {
+enum : std::int32_t {
+    FileNew = 1,
+    FileOpen = 2,
+    FileSave = 3,
+    FileSaveAs = 4,
+    FileDelete = 5,
+    FileSettings = 6,
+    FileSaveAsTemplate = 7,
+    FileSaveAsSis = 8,
+    FileOpenTemplate = 9,
+    FileExit = 10,
+    SlideAdd = 11,
+    SlideInsert = 12,
+    SlideInsertBefore = 13,
+    SlideInsertAfter = 14,
+    SlideDuplicate = 15,
+    SlideDuplicateBefore = 16,
+    SlideDuplicateAfter = 17,
+    SlideDelete = 18,
+    SlideDeleteSlide = 19,
+    SlideDeleteImage = 20,
+    SlideDeleteSound = 21,
+    SlideDeleteText = 22,
+    SlideBackground = 23,
+    SlidePreview = 24,
+    SlideDownloadPicture = 25,
+    HelpAbout = 27,
+};
+} // namespace MenuKey
+
+// The language key of the caption of `key`'s item ("MNU_FILE_NEW" for MenuKey::FileNew); "" for
+// a number that names no item.
+QString menuCaptionKey(std::int32_t key);
+
 // The menu bar of the main window: three labels (File, Slide, Help) right-aligned on the skin.
 // A click on a label opens its menu below it and reports the chosen item's key by MenuClick.
 // Each menu is a menu string, rebuilt whenever a caption or an item's enabled state changes.

@@ -17,6 +17,8 @@ protected:
     clsPropertiesXML* store = &shared.setProperties(std::make_unique<clsPropertiesXML>());
 
     QString importedLanguage(const QByteArray& id) {
+        store->SetProp(QStringLiteral("preferences"), QStringLiteral("Language"),
+                       QStringLiteral("x"));
         home.write(QStringLiteral("tessaly.ini"), "[preferences]\r\nLanguageID=" + id + "\r\n");
         importLegacySettings();
         return store->GetProp(QStringLiteral("preferences"), QStringLiteral("Language"), QString());
@@ -26,24 +28,18 @@ protected:
 
 } // namespace
 
-TEST_F(LegacyImport, DecimalAndHexLanguageIdsAgree) {
-    store->SetProp(QStringLiteral("preferences"), QStringLiteral("Language"), QStringLiteral("x"));
-    const QString fromDecimal = importedLanguage("1031");
-    store->SetProp(QStringLiteral("preferences"), QStringLiteral("Language"), QStringLiteral("x"));
-    const QString fromHex = importedLanguage("H0407");
-    EXPECT_EQ(fromDecimal, QStringLiteral("de-de"));
-    EXPECT_EQ(fromHex, fromDecimal);
-    EXPECT_EQ(importedLanguage("1033"), QStringLiteral("en-us"));
-    EXPECT_EQ(importedLanguage("H0409"), QStringLiteral("en-us"));
-}
-
-TEST_F(LegacyImport, LanguageFallbacks) {
-    EXPECT_EQ(importedLanguage("H7777"), QStringLiteral("en-us")); // no langid entry
+TEST_F(LegacyImport, LanguageIdsInEitherFormAndTheirFallbacks) {
     store->SetProp(QStringLiteral("langid"), QStringLiteral("H0416"), QStringLiteral("pt-br;pt"));
     store->SetProp(QStringLiteral("languages"), QStringLiteral("pt"),
                    QStringLiteral("Português,1"));
-    EXPECT_EQ(importedLanguage("1046"), QStringLiteral("pt"));     // the base language is known
-    EXPECT_EQ(importedLanguage("H040C"), QStringLiteral("en-us")); // neither fr-fr nor fr
+    const std::pair<const char*, const char*> cases[] = {
+        {"1031", "de-de"},  {"H0407", "de-de"}, {"1033", "en-us"},
+        {"H0409", "en-us"}, {"H7777", "en-us"}, // no langid entry
+        {"1046", "pt"},                         // only the base language is known
+        {"H040C", "en-us"},                     // neither fr-fr nor fr
+    };
+    for (const auto& [id, language] : cases)
+        EXPECT_EQ(importedLanguage(id), QString::fromLatin1(language)) << id;
 }
 
 TEST_F(LegacyImport, EntriesGoToTheirSectionsAndTheFileStaysWithoutDelete) {

@@ -2,7 +2,9 @@
 
 #include "support/TestHome.h"
 
+#include <QDateTime>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
@@ -20,16 +22,11 @@ TEST(SingleInstance, SecondStartReachesTheFirst) {
 }
 
 TEST(SingleInstance, KeyDependsOnTheApplicationFolder) {
-    QString a, b;
-    {
-        TestHome home;
-        a = SingleInstance::defaultKey();
-    }
-    {
-        TestHome home;
-        b = SingleInstance::defaultKey();
-    }
-    EXPECT_NE(a, b);
+    const auto keyIn = [] {
+        TestHome home; // a fresh application folder while it lives
+        return SingleInstance::defaultKey();
+    };
+    EXPECT_NE(keyIn(), keyIn());
 }
 
 // The real program: a second start finds the first, exits at once and leaves it running.
@@ -67,7 +64,11 @@ TEST(SingleInstance, SecondProgramExitsAndTheFirstStays) {
     EXPECT_EQ(second.exitCode(), 0);
     EXPECT_EQ(first.state(), QProcess::Running);
 
+    // Ended by the system (SIGTERM), the first one ends as Exit does and saves its preferences.
+    const QDateTime saved = QFileInfo(home.file(QStringLiteral("tessaly.xml"))).lastModified();
     first.terminate();
-    if (!first.waitForFinished(5000))
-        first.kill();
+    ASSERT_TRUE(first.waitForFinished(10000));
+    EXPECT_EQ(first.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(first.exitCode(), 0);
+    EXPECT_GT(QFileInfo(home.file(QStringLiteral("tessaly.xml"))).lastModified(), saved);
 }
