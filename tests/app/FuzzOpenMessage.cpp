@@ -14,6 +14,7 @@
 #include "platform/modDialogs.h"
 #include "platform/modShared.h"
 #include "store/clsMMSManager.h"
+#include "support/ScriptedResponder.h"
 #include "support/TestHome.h"
 
 #include <QFile>
