@@ -95,3 +95,53 @@ TEST(FailureReport, OtherFailuresNameTheStepAndTheNumber) {
     EXPECT_TRUE(boxes.boxes[0].text.endsWith(
         QStringLiteral("ModMain.Main - Program Properties\n\nObject missing (91)")));
 }
+
+namespace {
+
+// A store over the preferences file of the current application folder.
+QString storedValue(const QString& section, const QString& key) {
+    clsPropertiesXML store;
+    return store.GetProp(section, key, QStringLiteral("missing"));
+}
+
+} // namespace
+
+TEST(CompletePreferences, FreshAndDamagedFilesComeBackCompleteOnTheSameStart) {
+    TestHome home; // no preferences file at all
+    for (const bool damaged : {false, true}) {
+        SCOPED_TRACE(damaged ? "damaged file" : "no file");
+        if (damaged)
+            home.write(QStringLiteral("tessaly.xml"), "<APPLICATIONS><APPLICATION name=");
+        {
+            SharedConfig shared;
+            clsPropertiesXML& store = shared.setProperties(std::make_unique<clsPropertiesXML>());
+            EXPECT_GT(completePreferences(store), 20);
+        }
+        // Saved at once, not only at the end.
+        EXPECT_EQ(storedValue(QStringLiteral("paths"), QStringLiteral("language")),
+                  QStringLiteral("\\language\\tessaly\\"));
+        EXPECT_EQ(storedValue(pref, QStringLiteral("Skin")), QStringLiteral("Skin_Default"));
+        EXPECT_EQ(storedValue(QStringLiteral("languages"), QStringLiteral("de-de")),
+                  QStringLiteral("Deutsch,1"));
+        if (damaged) {
+            EXPECT_EQ(home.read(QStringLiteral("tessaly.xml.bak")),
+                      QByteArray("<APPLICATIONS><APPLICATION name="));
+        }
+    }
+}
+
+TEST(CompletePreferences, TheUsersValuesStay) {
+    TestHome home;
+    home.write(QStringLiteral("tessaly.xml"),
+               "<?xml version=\"1.0\" encoding=\"utf-8\"?><APPLICATIONS><APPLICATION "
+               "name=\"tessaly\"><SECTIONS><SECTION name=\"preferences\"><KEY "
+               "name=\"Language\">de-de</KEY><KEY name=\"Mine\">7</KEY></SECTION></SECTIONS>"
+               "</APPLICATION></APPLICATIONS>");
+    SharedConfig shared;
+    clsPropertiesXML& store = shared.setProperties(std::make_unique<clsPropertiesXML>());
+    EXPECT_GT(completePreferences(store), 0);
+    EXPECT_EQ(completePreferences(store), 0);
+    EXPECT_EQ(store.GetProp(pref, QStringLiteral("Language"), QString()), QStringLiteral("de-de"));
+    EXPECT_EQ(store.GetProp(pref, QStringLiteral("Mine"), QString()), QStringLiteral("7"));
+    EXPECT_EQ(store.GetProp(pref, QStringLiteral("Initialized"), QString()), QStringLiteral("0"));
+}

@@ -321,6 +321,7 @@ TEST_F(LocalizerLanguages, RecordWithoutEnabledFieldIsABoundsFailure) {
 }
 
 TEST_F(LocalizerLanguages, LanguageFolder) {
+    writeLanguage(QStringLiteral("en-us"), {}, {}); // the user's folder has its own languages
     {
         clsXMLocalizer localizer(props);
         EXPECT_EQ(localizer.GetLangPath(), home.path() + QStringLiteral("/language/tessaly/"));

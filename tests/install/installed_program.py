@@ -47,11 +47,13 @@ def keys_of(path):
     return found
 
 
-def start(prefix, home, report, name):
+def start(prefix, home, report, name, app_home=None):
     env = {k: v for k, v in os.environ.items()
            if k not in ("TESSALY_HOME", "XDG_DATA_HOME", "TESSALY_EXE_NAME", "XDG_CONFIG_HOME")}
     env.update(HOME=home, QT_QPA_PLATFORM="offscreen", SDL_AUDIODRIVER="dummy",
                TESSALY_SMOKE_REPORT=report, TESSALY_SMOKE_NAME=name)
+    if app_home:
+        env["TESSALY_HOME"] = app_home
     run = subprocess.run([os.path.join(prefix, "bin", "tessaly")], env=env, cwd=home,
                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=120)
     check(run.returncode == 0, "the program ends with 0 (it gave %d)" % run.returncode)
@@ -128,6 +130,16 @@ def main():
         check(wanted <= keys_of(preferences), "the damaged preferences come back complete")
         check(os.path.isfile(os.path.join(user, "Messages", "First", "message.xml")),
               "the first message is still there")
+
+        # TESSALY_HOME names the folder of the user's files, empty at first.
+        app_home = os.path.join(work, "app-home")
+        os.mkdir(app_home)
+        values = start(prefix, home, os.path.join(work, "third.txt"), "Third", app_home)
+        check_window(values, "Third", app_home)
+        check(wanted <= keys_of(os.path.join(app_home, "tessaly.xml")),
+              "the preferences in TESSALY_HOME are complete")
+        check(not os.path.exists(os.path.join(user, "Messages", "Third")),
+              "nothing went to the XDG folder")
     finally:
         shutil.rmtree(work, ignore_errors=True)
     if failures:

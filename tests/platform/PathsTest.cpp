@@ -27,6 +27,80 @@ TEST(Paths, EitherSeparatorAndRelativeValues) {
     EXPECT_EQ(fileNameOf(QStringLiteral("C:\\a\\b.gif")), QStringLiteral("b.gif"));
 }
 
+namespace {
+
+// Sets or clears an environment variable while it lives.
+class EnvValue {
+public:
+    EnvValue(const char* name, const QString* value)
+        : mName(name), mHad(qEnvironmentVariableIsSet(name)), mOld(qgetenv(name)) {
+        if (value)
+            qputenv(name, value->toLocal8Bit());
+        else
+            qunsetenv(name);
+    }
+    ~EnvValue() {
+        if (mHad)
+            qputenv(mName, mOld);
+        else
+            qunsetenv(mName);
+    }
+
+private:
+    const char* mName;
+    bool mHad;
+    QByteArray mOld;
+};
+
+} // namespace
+
+TEST(Paths, UserFilesGoToTheHomeTheMarkedFolderOrTheXdgFolder) {
+    TestHome scratch;
+    const QString exe = scratch.file(QStringLiteral("bin"));
+    const QString xdg = scratch.file(QStringLiteral("xdg"));
+    scratch.write(QStringLiteral("bin/tessaly.xml"), "<APPLICATIONS/>");
+    EXPECT_EQ(appFolderFor(exe), QDir::cleanPath(scratch.path()));
+
+    EnvValue noHome("TESSALY_HOME", nullptr);
+    EnvValue dataHome("XDG_DATA_HOME", &xdg);
+    // Data beside the program (a build tree) does not make its folder the user's.
+    EXPECT_EQ(appFolderFor(exe), xdg + QStringLiteral("/tessaly"));
+    EXPECT_TRUE(QFileInfo(xdg + QStringLiteral("/tessaly")).isDir());
+    scratch.write(QStringLiteral("bin/tessaly.portable"), "");
+    EXPECT_EQ(appFolderFor(exe), exe);
+}
+
+TEST(Paths, InstalledDataLiesUnderShareOrInAPortableFolder) {
+    TestHome scratch;
+    const QString exe = scratch.file(QStringLiteral("prefix/bin"));
+    QDir().mkpath(exe);
+    EXPECT_EQ(installedDataFolderFor(exe), QString());
+    scratch.write(QStringLiteral("prefix/bin/tessaly.xml"), "<APPLICATIONS/>");
+    EXPECT_EQ(installedDataFolderFor(exe), QString());
+    scratch.write(QStringLiteral("prefix/bin/tessaly.portable"), "");
+    EXPECT_EQ(installedDataFolderFor(exe), exe);
+    scratch.write(QStringLiteral("prefix/share/tessaly/tessaly.xml"), "<APPLICATIONS/>");
+    EXPECT_EQ(installedDataFolderFor(exe), scratch.file(QStringLiteral("prefix/share/tessaly")));
+    // The tests run from the build tree, which holds its copy of the data the same way.
+    EXPECT_TRUE(
+        QFileInfo::exists(installedDataFolder() + QStringLiteral("/language/tessaly/en-us.xml")));
+}
+
+TEST(Paths, ReadOnlyDataComesFromTheUserFolderFirst) {
+    TestHome home;
+    const QString data = installedDataFolder();
+    ASSERT_FALSE(data.isEmpty());
+    EXPECT_EQ(resolveDataPath(QStringLiteral("\\language\\tessaly\\")),
+              data + QStringLiteral("/language/tessaly/"));
+    EXPECT_EQ(resolveDataPath(QStringLiteral("\\skin\\default\\main.bmp"), false),
+              data + QStringLiteral("/skin/default/main.bmp"));
+    home.write(QStringLiteral("language/tessaly/xx.xml"), "<langtab/>");
+    EXPECT_EQ(resolveDataPath(QStringLiteral("\\language\\tessaly")),
+              home.path() + QStringLiteral("/language/tessaly/"));
+    EXPECT_EQ(resolveDataPath(QStringLiteral("/srv/skin.bmp"), false),
+              QStringLiteral("/srv/skin.bmp"));
+}
+
 TEST(Paths, SeedCopiesOnlyWhatIsMissing) {
     TestHome from;
     TestHome to;
