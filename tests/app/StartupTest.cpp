@@ -96,52 +96,34 @@ TEST(FailureReport, OtherFailuresNameTheStepAndTheNumber) {
         QStringLiteral("ModMain.Main - Program Properties\n\nObject missing (91)")));
 }
 
-namespace {
-
-// A store over the preferences file of the current application folder.
-QString storedValue(const QString& section, const QString& key) {
-    clsPropertiesXML store;
-    return store.GetProp(section, key, QStringLiteral("missing"));
-}
-
-} // namespace
-
-TEST(CompletePreferences, FreshAndDamagedFilesComeBackCompleteOnTheSameStart) {
-    TestHome home; // no preferences file at all
-    for (const bool damaged : {false, true}) {
-        SCOPED_TRACE(damaged ? "damaged file" : "no file");
-        if (damaged)
-            home.write(QStringLiteral("tessaly.xml"), "<APPLICATIONS><APPLICATION name=");
+// Start-up adds what the user's preferences lack from the installed defaults and saves at once:
+// a missing file, a damaged one (kept as .bak) and one with the user's own values.
+TEST(CompletePreferences, EveryFileComesBackCompleteAndKeepsTheUsersValues) {
+    const QByteArray damaged = "<APPLICATIONS><APPLICATION name=";
+    const QByteArray own = "<APPLICATIONS><APPLICATION name='tessaly'><SECTIONS><SECTION "
+                           "name='preferences'><KEY name='Language'>de-de</KEY><KEY "
+                           "name='Mine'>7</KEY></SECTION></SECTIONS></APPLICATION></APPLICATIONS>";
+    for (const QByteArray& content : {QByteArray(), damaged, own}) {
+        TestHome home;
+        if (!content.isEmpty())
+            home.write(QStringLiteral("tessaly.xml"), content);
         {
             SharedConfig shared;
             clsPropertiesXML& store = shared.setProperties(std::make_unique<clsPropertiesXML>());
             EXPECT_GT(completePreferences(store), 20);
+            EXPECT_EQ(completePreferences(store), 0);
         }
-        // Saved at once, not only at the end.
-        EXPECT_EQ(storedValue(QStringLiteral("paths"), QStringLiteral("language")),
-                  QStringLiteral("\\language\\tessaly\\"));
-        EXPECT_EQ(storedValue(pref, QStringLiteral("Skin")), QStringLiteral("Skin_Default"));
-        EXPECT_EQ(storedValue(QStringLiteral("languages"), QStringLiteral("de-de")),
-                  QStringLiteral("Deutsch,1"));
-        if (damaged) {
-            EXPECT_EQ(home.read(QStringLiteral("tessaly.xml.bak")),
-                      QByteArray("<APPLICATIONS><APPLICATION name="));
-        }
+        clsPropertiesXML saved;
+        const auto value = [&](const char* section, const char* key) {
+            return saved.GetProp(QLatin1String(section), QLatin1String(key), QString());
+        };
+        EXPECT_EQ(value("paths", "language"), QStringLiteral("\\language\\tessaly\\"));
+        EXPECT_EQ(value("preferences", "Skin"), QStringLiteral("Skin_Default"));
+        EXPECT_EQ(value("languages", "de-de"), QStringLiteral("Deutsch,1"));
+        EXPECT_EQ(value("preferences", "Language"),
+                  content == own ? QStringLiteral("de-de") : QStringLiteral("en-us"));
+        EXPECT_EQ(value("preferences", "Mine"), content == own ? QStringLiteral("7") : QString());
+        EXPECT_EQ(home.read(QStringLiteral("tessaly.xml.bak")),
+                  content == damaged ? damaged : QByteArray());
     }
-}
-
-TEST(CompletePreferences, TheUsersValuesStay) {
-    TestHome home;
-    home.write(QStringLiteral("tessaly.xml"),
-               "<?xml version=\"1.0\" encoding=\"utf-8\"?><APPLICATIONS><APPLICATION "
-               "name=\"tessaly\"><SECTIONS><SECTION name=\"preferences\"><KEY "
-               "name=\"Language\">de-de</KEY><KEY name=\"Mine\">7</KEY></SECTION></SECTIONS>"
-               "</APPLICATION></APPLICATIONS>");
-    SharedConfig shared;
-    clsPropertiesXML& store = shared.setProperties(std::make_unique<clsPropertiesXML>());
-    EXPECT_GT(completePreferences(store), 0);
-    EXPECT_EQ(completePreferences(store), 0);
-    EXPECT_EQ(store.GetProp(pref, QStringLiteral("Language"), QString()), QStringLiteral("de-de"));
-    EXPECT_EQ(store.GetProp(pref, QStringLiteral("Mine"), QString()), QStringLiteral("7"));
-    EXPECT_EQ(store.GetProp(pref, QStringLiteral("Initialized"), QString()), QStringLiteral("0"));
 }

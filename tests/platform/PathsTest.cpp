@@ -7,12 +7,6 @@
 #include <QFileInfo>
 #include <gtest/gtest.h>
 
-TEST(Paths, AppFolderFollowsTessalyHome) {
-    TestHome home;
-    EXPECT_EQ(appFolder(), QDir::cleanPath(home.path()));
-    EXPECT_EQ(exeBaseName(), QStringLiteral("tessaly"));
-}
-
 TEST(Paths, EitherSeparatorAndRelativeValues) {
     TestHome home;
     EXPECT_EQ(toSlashes(QStringLiteral("a\\b/c")), QStringLiteral("a/b/c"));
@@ -27,42 +21,16 @@ TEST(Paths, EitherSeparatorAndRelativeValues) {
     EXPECT_EQ(fileNameOf(QStringLiteral("C:\\a\\b.gif")), QStringLiteral("b.gif"));
 }
 
-namespace {
-
-// Sets or clears an environment variable while it lives.
-class EnvValue {
-public:
-    EnvValue(const char* name, const QString* value)
-        : mName(name), mHad(qEnvironmentVariableIsSet(name)), mOld(qgetenv(name)) {
-        if (value)
-            qputenv(name, value->toLocal8Bit());
-        else
-            qunsetenv(name);
-    }
-    ~EnvValue() {
-        if (mHad)
-            qputenv(mName, mOld);
-        else
-            qunsetenv(mName);
-    }
-
-private:
-    const char* mName;
-    bool mHad;
-    QByteArray mOld;
-};
-
-} // namespace
-
 TEST(Paths, UserFilesGoToTheHomeTheMarkedFolderOrTheXdgFolder) {
-    TestHome scratch;
+    TestHome scratch; // restores TESSALY_HOME when it ends
     const QString exe = scratch.file(QStringLiteral("bin"));
     const QString xdg = scratch.file(QStringLiteral("xdg"));
     scratch.write(QStringLiteral("bin/tessaly.xml"), "<APPLICATIONS/>");
     EXPECT_EQ(appFolderFor(exe), QDir::cleanPath(scratch.path()));
+    EXPECT_EQ(exeBaseName(), QStringLiteral("tessaly"));
 
-    EnvValue noHome("TESSALY_HOME", nullptr);
-    EnvValue dataHome("XDG_DATA_HOME", &xdg);
+    qunsetenv("TESSALY_HOME");
+    qputenv("XDG_DATA_HOME", xdg.toLocal8Bit());
     // Data beside the program (a build tree) does not make its folder the user's.
     EXPECT_EQ(appFolderFor(exe), xdg + QStringLiteral("/tessaly"));
     EXPECT_TRUE(QFileInfo(xdg + QStringLiteral("/tessaly")).isDir());
