@@ -184,14 +184,26 @@ void releaseSharedObjects() {
 namespace {
 
 // TESSALY_SMOKE_REPORT=<file> lets a script check a started program from outside. Every box is
-// answered with its default button and recorded instead of shown. Once start-up has ended, the
-// current message is saved through the window's Save As path under TESSALY_SMOKE_NAME ("Smoke
-// test" when unset); then <file> receives, one "name=value" line each: the window title, the
-// message name the window showed, the menu bar's captions joined by "|", the saved file, whether
-// the save succeeded ("1"/"0"), and the boxes shown. Then the program exits the normal way.
-class SmokeRun : public QObject {
+// answered with its default button and recorded instead of shown (dialogs are cancelled, pop-up
+// menus choose nothing). Once start-up has ended, the current message is saved through the
+// window's Save As path under TESSALY_SMOKE_NAME ("Smoke test" when unset); then <file>
+// receives, one "name=value" line each: the window title, the message name the window showed,
+// the menu bar's captions joined by "|", the saved file, whether the save succeeded ("1"/"0"),
+// and the boxes shown. Then the program exits the normal way.
+class SmokeRun : public QObject, public DialogResponder {
 public:
-    SmokeRun(QObject* parent, QString reportFile) : QObject(parent), mFile(std::move(reportFile)) {}
+    SmokeRun(QObject* parent, QString reportFile)
+        : QObject(parent), mFile(std::move(reportFile)), mPrevious(dialogResponder()) {
+        setDialogResponder(this);
+        connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
+            if (dialogResponder() == this)
+                setDialogResponder(mPrevious);
+        });
+    }
+    ~SmokeRun() override {
+        if (dialogResponder() == this)
+            setDialogResponder(nullptr);
+    }
 
     void watch(frmMain* window) {
         mWindow = window;
@@ -204,6 +216,18 @@ public:
         });
         poll->start(20);
     }
+
+    int msgBox(const QString& text, int style, const QString& title) override {
+        mBoxes << title + QStringLiteral(": ") +
+                      QString(text).replace(QLatin1Char('\n'), QLatin1Char(' '));
+        return mExiting ? int(Vb::Yes) : msgBoxDefaultAnswer(style);
+    }
+    bool chooseColor(QWidget*, std::int32_t&, int) override { return false; }
+    bool getOpenFileName(QWidget*, QString&, const QString&, const QString&, const QString&,
+                         const QString&) override {
+        return false;
+    }
+    QString popupChoice(QMenu*, const QPoint&) override { return {}; }
 
 private:
     QStringList menuCaptions() const {
@@ -224,21 +248,20 @@ private:
         const QString name = qEnvironmentVariableIsEmpty("TESSALY_SMOKE_NAME")
                                  ? QStringLiteral("Smoke test")
                                  : qEnvironmentVariable("TESSALY_SMOKE_NAME");
-        const std::size_t boxesBefore = mBoxes.boxes.size();
+        const qsizetype boxesBefore = mBoxes.size();
         mWindow->SaveMessageAs(name);
         const clsMessage* message = mWindow->message();
         const QString file = message ? joinPath(message->Path(), message->fileName()) : QString();
-        const bool saved = message && mBoxes.boxes.size() == boxesBefore && !mWindow->changed() &&
+        const bool saved = message && mBoxes.size() == boxesBefore && !mWindow->changed() &&
                            QFileInfo::exists(file);
         lines << QStringLiteral("file=") + file;
         lines << QStringLiteral("saved=") + (saved ? QStringLiteral("1") : QStringLiteral("0"));
-        lines << QStringLiteral("boxes=") + QString::number(mBoxes.boxes.size());
-        for (const auto& box : mBoxes.boxes)
-            lines << QStringLiteral("box=") + box.title + QStringLiteral(": ") +
-                         QString(box.text).replace(QLatin1Char('\n'), QLatin1Char(' '));
+        lines << QStringLiteral("boxes=") + QString::number(mBoxes.size());
+        for (const QString& box : mBoxes)
+            lines << QStringLiteral("box=") + box;
         write(lines.join(QLatin1Char('\n')) + QLatin1Char('\n'));
 
-        mBoxes.boxAnswers.push_back(Vb::Yes); // the exit question
+        mExiting = true; // yes to the exit question
         mWindow->RequestExit();
     }
 
@@ -250,8 +273,10 @@ private:
     }
 
     QString mFile;
+    DialogResponder* mPrevious;
     frmMain* mWindow = nullptr;
-    ScriptedResponder mBoxes;
+    QStringList mBoxes;
+    bool mExiting = false;
 };
 
 // The start-up steps; a failure leaves them at once for the handler.
