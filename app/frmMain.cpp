@@ -261,7 +261,7 @@ void frmMain::InitSkin() {
     if (!skin.isEmpty() && gProperties()) {
         const QString back = gProperties()->GetProp(skin, QStringLiteral("BackPicture"), QString());
         if (!back.isEmpty()) {
-            const QPixmap picture(joinPath(appFolder(), back));
+            const QPixmap picture(resolveDataPath(back, false));
             if (picture.isNull())
                 MsgBox(QStringLiteral("The background bitmap could not be loaded!"),
                        Vb::Exclamation, QStringLiteral("InitSkin"));

@@ -3,6 +3,7 @@
 #include <QString>
 
 class Failure;
+class clsPropertiesXML;
 
 // Start-up and the end of the program.
 
@@ -12,6 +13,12 @@ int Main(int argc, char** argv);
 // The first-run language choice: on a store whose `Initialized` is "" or "0", writes the
 // system's language (or its base language, or "en-us") to `Language` and marks the store.
 void chooseFirstRunLanguage();
+
+// Adds every section and key of the installed default preferences that `properties` lacks
+// (never changing a value it has) and saves the file when it added any, so that a fresh, older
+// or reset preferences file comes up complete. Returns the number of keys added, or -1 when no
+// installed defaults can be read.
+int completePreferences(clsPropertiesXML& properties);
 
 // Imports the settings file an older installation left beside the program, if there is one.
 void importLegacySettings();

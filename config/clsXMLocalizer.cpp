@@ -222,7 +222,7 @@ clsXMLocalizer::clsXMLocalizer(clsPropertiesXML& properties) : d(new Private(pro
     const QString defaultPath =
         QStringLiteral("\\language\\") + exeBaseName() + QStringLiteral("\\");
     // The stored folder must end with its separator; none is added here.
-    d->languagePath = resolveAppPath(
+    d->languagePath = resolveDataPath(
         properties.GetProp(QStringLiteral("paths"), QStringLiteral("language"), defaultPath),
         false);
 }

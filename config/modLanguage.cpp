@@ -15,7 +15,7 @@ QString getSystemLanguageCode(clsPropertiesXML& properties) {
 }
 
 QString languageFolder(clsPropertiesXML& properties) {
-    return resolveAppPath(
+    return resolveDataPath(
         properties.GetProp(QStringLiteral("paths"), QStringLiteral("language"), QString()));
 }
 

@@ -36,7 +36,7 @@ QPixmap backgroundPiece(const QWidget* form, const QWidget* control) {
 }
 
 QPixmap resourcePicture(const QString& fileName) {
-    const QString path = resolveAppPath(QStringLiteral("\\resources"), true) + fileName;
+    const QString path = resolveDataPath(QStringLiteral("\\resources"), true) + fileName;
     if (!QFileInfo::exists(path))
         return {};
     QPixmap picture;

@@ -21,6 +21,17 @@ bool holdsData(const QString& folder) {
     return QFileInfo::exists(joinPath(folder, exeBaseName() + QStringLiteral(".xml")));
 }
 
+bool isPortable(const QString& folder) {
+    return QFileInfo::exists(joinPath(folder, portableMarkerName()));
+}
+
+QString userDataFolder() {
+    QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    if (base.isEmpty())
+        base = QDir::homePath() + QStringLiteral("/.local/share");
+    return joinPath(base, QStringLiteral("tessaly"));
+}
+
 } // namespace
 
 QString exeBaseName() {
@@ -34,37 +45,36 @@ QString exeBaseName() {
     return base.isEmpty() ? QStringLiteral("tessaly") : base;
 }
 
-QString installedDataFolder() {
-    const QString exe = exeFolder();
-    if (holdsData(exe))
-        return exe;
-    const QString shared = QDir::cleanPath(exe + QStringLiteral("/../share/tessaly"));
+QString portableMarkerName() {
+    return exeBaseName() + QStringLiteral(".portable");
+}
+
+QString installedDataFolderFor(const QString& executableFolder) {
+    const QString shared = QDir::cleanPath(executableFolder + QStringLiteral("/../share/tessaly"));
     if (holdsData(shared))
         return shared;
+    if (isPortable(executableFolder) && holdsData(executableFolder))
+        return QDir::cleanPath(executableFolder);
     return {};
 }
 
-QString appFolder() {
+QString installedDataFolder() {
+    return installedDataFolderFor(exeFolder());
+}
+
+QString appFolderFor(const QString& executableFolder) {
     const QByteArray home = qgetenv("TESSALY_HOME");
     if (!home.isEmpty())
         return QDir::cleanPath(QString::fromLocal8Bit(home));
-
-    const QString exe = exeFolder();
-    if (holdsData(exe) && QFileInfo(exe).isWritable())
-        return exe;
-
-    QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    if (base.isEmpty())
-        base = QDir::homePath() + QStringLiteral("/.local/share");
-    const QString folder = base + QStringLiteral("/tessaly");
-    if (!holdsData(folder)) {
-        const QString data = installedDataFolder();
-        if (!data.isEmpty())
-            seedFolder(data, folder);
-        else
-            QDir().mkpath(folder);
-    }
+    if (isPortable(executableFolder))
+        return QDir::cleanPath(executableFolder);
+    const QString folder = userDataFolder();
+    QDir().mkpath(folder);
     return folder;
+}
+
+QString appFolder() {
+    return appFolderFor(exeFolder());
 }
 
 bool seedFolder(const QString& from, const QString& to) {
@@ -116,6 +126,18 @@ QString resolveAppPath(const QString& value, bool folder) {
         path = joinPath(appFolder(), path);
     path = toSlashes(path);
     return folder && !path.isEmpty() ? withTrailingSlash(path) : path;
+}
+
+QString resolveDataPath(const QString& value, bool folder) {
+    if (!value.startsWith(QLatin1Char('\\')))
+        return resolveAppPath(value, folder);
+    QString path = joinPath(appFolder(), value);
+    if (!QFileInfo::exists(path)) {
+        const QString data = installedDataFolder();
+        if (!data.isEmpty())
+            path = joinPath(data, value);
+    }
+    return folder ? withTrailingSlash(path) : path;
 }
 
 QString fileNameOf(const QString& path) {

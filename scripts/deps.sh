@@ -9,6 +9,8 @@ packages=(
   # tests and benchmarks
   googletest libgtest-dev libgmock-dev libbenchmark-dev python3
   giflib-tools libjpeg-turbo-progs
+  # checking the installed desktop entry
+  desktop-file-utils
   # looking at the program under a virtual display
   xvfb xauth
   # fonts so that the window draws real text

@@ -95,3 +95,35 @@ TEST(FailureReport, OtherFailuresNameTheStepAndTheNumber) {
     EXPECT_TRUE(boxes.boxes[0].text.endsWith(
         QStringLiteral("ModMain.Main - Program Properties\n\nObject missing (91)")));
 }
+
+// Start-up adds what the user's preferences lack from the installed defaults and saves at once:
+// a missing file, a damaged one (kept as .bak) and one with the user's own values.
+TEST(CompletePreferences, EveryFileComesBackCompleteAndKeepsTheUsersValues) {
+    const QByteArray damaged = "<APPLICATIONS><APPLICATION name=";
+    const QByteArray own = "<APPLICATIONS><APPLICATION name='tessaly'><SECTIONS><SECTION "
+                           "name='preferences'><KEY name='Language'>de-de</KEY><KEY "
+                           "name='Mine'>7</KEY></SECTION></SECTIONS></APPLICATION></APPLICATIONS>";
+    for (const QByteArray& content : {QByteArray(), damaged, own}) {
+        TestHome home;
+        if (!content.isEmpty())
+            home.write(QStringLiteral("tessaly.xml"), content);
+        {
+            SharedConfig shared;
+            clsPropertiesXML& store = shared.setProperties(std::make_unique<clsPropertiesXML>());
+            EXPECT_GT(completePreferences(store), 20);
+            EXPECT_EQ(completePreferences(store), 0);
+        }
+        clsPropertiesXML saved;
+        const auto value = [&](const char* section, const char* key) {
+            return saved.GetProp(QLatin1String(section), QLatin1String(key), QString());
+        };
+        EXPECT_EQ(value("paths", "language"), QStringLiteral("\\language\\tessaly\\"));
+        EXPECT_EQ(value("preferences", "Skin"), QStringLiteral("Skin_Default"));
+        EXPECT_EQ(value("languages", "de-de"), QStringLiteral("Deutsch,1"));
+        EXPECT_EQ(value("preferences", "Language"),
+                  content == own ? QStringLiteral("de-de") : QStringLiteral("en-us"));
+        EXPECT_EQ(value("preferences", "Mine"), content == own ? QStringLiteral("7") : QString());
+        EXPECT_EQ(home.read(QStringLiteral("tessaly.xml.bak")),
+                  content == damaged ? damaged : QByteArray());
+    }
+}

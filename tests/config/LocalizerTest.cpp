@@ -180,6 +180,7 @@ TEST_F(LocalizerLanguages, Catalogue) {
 }
 
 TEST_F(LocalizerLanguages, LanguageFolder) {
+    writeLanguage(u"en-us"_s, {}, {}); // the user's folder has its own languages
     const QString folder = home.path() + u"/language/tessaly/"_s;
     EXPECT_EQ(clsXMLocalizer(props).GetLangPath(), folder);
     // Without the key the folder is "\language\" and the executable's name.
