@@ -252,7 +252,8 @@ private:
         const qsizetype boxesBefore = mBoxes.size();
         mWindow->SaveMessageAs(name);
         const clsMessage* message = mWindow->message();
-        const QString file = message ? joinPath(message->Path(), message->fileName()) : QString();
+        const QString file =
+            message ? joinPath(message->Path(), QStringLiteral("message.xml")) : QString();
         const bool saved = message && mBoxes.size() == boxesBefore && !mWindow->changed() &&
                            QFileInfo::exists(file);
         lines << QStringLiteral("file=") + file;

@@ -302,11 +302,11 @@ TEST_F(MainWindow, DeleteListSparesTheOpenMessageAndKeepsNamesWhole) {
     for (const char* name : {"A", "Open", "B", "C", "D"})
         storeMessage(QString::fromLatin1(name), 1);
     // A folder named by hand with a "," is one name the store refuses, never two.
-    ASSERT_TRUE(QDir().mkpath(messages() + QStringLiteral("/C,D")));
+    ASSERT_TRUE(QDir().mkpath(home.file(QStringLiteral("Messages/C,D"))));
     window->OpenMessage(QStringLiteral("Open"), false);
     window->DeleteMessages({QStringLiteral("A"), QStringLiteral("Open"), QStringLiteral("C,D")});
     EXPECT_FALSE(stored(QStringLiteral("A")));
-    EXPECT_TRUE(QFileInfo::exists(messages() + QStringLiteral("/C,D")));
+    EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("Messages/C,D"))));
     for (const char* kept : {"Open", "B", "C", "D"})
         EXPECT_TRUE(stored(QString::fromLatin1(kept))) << kept;
     ASSERT_EQ(boxes.boxes.size(), 2u);
