@@ -1,6 +1,7 @@
 #!/bin/sh
 # Builds the skin generator in a scratch folder and writes the default skin and the resource
-# pictures into data/. Usage: scripts/art/make_art.sh [build folder]
+# pictures into data/, and the desktop icon into dist/icons/.
+# Usage: scripts/art/make_art.sh [build folder]
 set -e
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)

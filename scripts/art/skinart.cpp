@@ -720,6 +720,16 @@ QImage about() {
 
 } // namespace
 
+// The desktop icon: the caption bar's logo on a clear square.
+QImage appIcon(int size) {
+    QImage image = canvas(size, size);
+    QPainter p(&image);
+    p.setRenderHint(QPainter::Antialiasing);
+    const qreal margin = size / 24.0;
+    logo(p, QRectF(margin, margin, size - 2 * margin, size - 2 * margin));
+    return image;
+}
+
 int main(int argc, char** argv) {
     QGuiApplication app(argc, argv);
     if (argc < 2) {
@@ -745,5 +755,8 @@ int main(int argc, char** argv) {
     save(progressFrames(), QStringLiteral("resources/progress.png"));
     save(splash(), QStringLiteral("resources/splash.png"));
     save(about(), QStringLiteral("resources/about.png"));
+    // The desktop entry's icon is installed from dist/, beside the data.
+    for (int size : {48, 256})
+        save(appIcon(size), QStringLiteral("../dist/icons/tessaly-%1.png").arg(size));
     return gFailures == 0 ? 0 : 1;
 }
