@@ -659,14 +659,18 @@ void frmMain::OpenMessage(const QString& name, bool askFirst) {
                text(QStringLiteral("STR_ERROR")));
         return;
     }
-    mMessage = opened;
+    ShowMessage(opened, false);
+}
+
+void frmMain::ShowMessage(std::shared_ptr<clsMessage> message, bool changed) {
+    mMessage = std::move(message);
     mSlide.reset();
     LoadSlideToUI(1);
     if (!mSlide)
         AddSlide(false, false);
     UpdateTitle();
     UpdateTotalTime();
-    mChanged = false;
+    mChanged = changed;
 }
 
 bool frmMain::SaveCurrentMessage(bool askName) {
@@ -761,16 +765,8 @@ void frmMain::OfferRecoveryCopy() {
     const int answer = MsgBox(textWith(QStringLiteral("STR_RECOVER_MSG"), {recoveryCopyName()}),
                               Vb::YesNo | Vb::Question, text(QStringLiteral("APP_PRODUCTNAME")));
     if (answer == Vb::Yes) {
-        if (auto restored = restoreRecoveryCopy(*mMMSManager)) {
-            mMessage = restored;
-            mSlide.reset();
-            LoadSlideToUI(1);
-            if (!mSlide)
-                AddSlide(false, false);
-            UpdateTitle();
-            UpdateTotalTime();
-            mChanged = true; // not saved yet
-        }
+        if (auto restored = restoreRecoveryCopy(*mMMSManager))
+            ShowMessage(restored, true); // not saved yet
     }
     removeRecoveryCopy();
 }

@@ -96,6 +96,8 @@ private:
     void TimerRecovery_Timer();
     void WriteRecoveryCopy();
     void OfferRecoveryCopy();
+    // Makes `message` the current one, shown from its first slide.
+    void ShowMessage(std::shared_ptr<clsMessage> message, bool changed);
     void ShowSaveError();
     void LoadDuration();
     void LoadTextAndSound();

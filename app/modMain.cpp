@@ -1,6 +1,7 @@
 #include "app/modMain.h"
 
 #include "app/SingleInstance.h"
+#include "app/SmokeRun.h"
 #include "app/TessalyApplication.h"
 #include "app/frmMain.h"
 #include "config/clsProperties.h"
@@ -9,9 +10,7 @@
 #include "config/modConfig.h"
 #include "config/modLanguage.h"
 #include "controls/QtDialogResponder.h"
-#include "controls/ctlMainMenu.h"
 #include "controls/frmSplash.h"
-#include "document/clsMessage.h"
 #include "platform/AppPaths.h"
 #include "platform/Failure.h"
 #include "platform/VbFormat.h"
@@ -24,8 +23,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLabel>
-#include <QSaveFile>
 #include <QTimer>
 #include <cstdlib>
 #include <memory>
@@ -183,103 +180,6 @@ void releaseSharedObjects() {
 }
 
 namespace {
-
-// TESSALY_SMOKE_REPORT=<file> lets a script check a started program from outside. Every box is
-// answered with its default button and recorded instead of shown (dialogs are cancelled, pop-up
-// menus choose nothing). Once start-up has ended, the current message is saved through the
-// window's Save As path under TESSALY_SMOKE_NAME ("Smoke test" when unset); then <file>
-// receives, one "name=value" line each: the window title, the message name the window showed,
-// the menu bar's captions joined by "|", the saved file, whether the save succeeded ("1"/"0"),
-// and the boxes shown. Then the program exits the normal way.
-class SmokeRun : public QObject, public DialogResponder {
-public:
-    SmokeRun(QObject* parent, QString reportFile)
-        : QObject(parent), mFile(std::move(reportFile)), mPrevious(dialogResponder()) {
-        setDialogResponder(this);
-        connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
-            if (dialogResponder() == this)
-                setDialogResponder(mPrevious);
-        });
-    }
-    ~SmokeRun() override {
-        if (dialogResponder() == this)
-            setDialogResponder(nullptr);
-    }
-
-    void watch(frmMain* window) {
-        mWindow = window;
-        auto* poll = new QTimer(this);
-        connect(poll, &QTimer::timeout, this, [this, poll] {
-            if (gStarting || !mWindow->isVisible())
-                return;
-            poll->stop();
-            run();
-        });
-        poll->start(20);
-    }
-
-    int msgBox(const QString& text, int style, const QString& title) override {
-        mBoxes << title + QStringLiteral(": ") +
-                      QString(text).replace(QLatin1Char('\n'), QLatin1Char(' '));
-        return mExiting ? int(Vb::Yes) : msgBoxDefaultAnswer(style);
-    }
-    bool chooseColor(QWidget*, std::int32_t&, int) override { return false; }
-    bool getOpenFileName(QWidget*, QString&, const QString&, const QString&, const QString&,
-                         const QString&) override {
-        return false;
-    }
-    QString popupChoice(QMenu*, const QPoint&) override { return {}; }
-
-private:
-    QStringList menuCaptions() const {
-        QStringList captions;
-        if (const auto* menu = mWindow->findChild<ctlMainMenu*>())
-            for (int i = 0; i < ctlMainMenu::kMenuCount; ++i)
-                captions << (menu->MenuLabel(i) ? menu->MenuLabel(i)->text() : QString());
-        return captions;
-    }
-
-    void run() {
-        QStringList lines;
-        lines << QStringLiteral("title=") + mWindow->windowTitle();
-        lines << QStringLiteral("message=") +
-                     (mWindow->message() ? mWindow->message()->name() : QString());
-        lines << QStringLiteral("menu=") + menuCaptions().join(QLatin1Char('|'));
-
-        const QString name = qEnvironmentVariableIsEmpty("TESSALY_SMOKE_NAME")
-                                 ? QStringLiteral("Smoke test")
-                                 : qEnvironmentVariable("TESSALY_SMOKE_NAME");
-        const qsizetype boxesBefore = mBoxes.size();
-        mWindow->SaveMessageAs(name);
-        const clsMessage* message = mWindow->message();
-        const QString file =
-            message ? joinPath(message->Path(), QStringLiteral("message.xml")) : QString();
-        const bool saved = message && mBoxes.size() == boxesBefore && !mWindow->changed() &&
-                           QFileInfo::exists(file);
-        lines << QStringLiteral("file=") + file;
-        lines << QStringLiteral("saved=") + (saved ? QStringLiteral("1") : QStringLiteral("0"));
-        lines << QStringLiteral("boxes=") + QString::number(mBoxes.size());
-        for (const QString& box : mBoxes)
-            lines << QStringLiteral("box=") + box;
-        write(lines.join(QLatin1Char('\n')) + QLatin1Char('\n'));
-
-        mExiting = true; // yes to the exit question
-        mWindow->RequestExit();
-    }
-
-    void write(const QString& text) const {
-        QSaveFile out(mFile);
-        const QByteArray bytes = text.toUtf8();
-        if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit())
-            qWarning("tessaly: cannot write the smoke report %s", qPrintable(mFile));
-    }
-
-    QString mFile;
-    DialogResponder* mPrevious;
-    frmMain* mWindow = nullptr;
-    QStringList mBoxes;
-    bool mExiting = false;
-};
 
 // The start-up steps; a failure leaves them at once for the handler.
 void runStartup(TessalyApplication& app, SharedConfig& shared) {
