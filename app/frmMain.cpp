@@ -60,14 +60,6 @@ void waitForSplash() {
 constexpr int kRecoveryInterval = 60 * 1000;
 
 // The local text of `key` with its numbered markers filled.
-QString textWith(const QString& key, const QStringList& params) {
-    QString text = localText(key);
-    text.replace(QStringLiteral("%n"), QStringLiteral("\r\n"));
-    for (qsizetype i = 0; i < params.size(); ++i)
-        text.replace(QLatin1Char('%') + QString::number(i), params[i]);
-    return text;
-}
-
 // Reads every number of `message` that the window and the slide controls read, and writes back
 // what the window stores from its controls, so that a damaged document is refused when it is
 // opened rather than failing on a later click. Raises the failure of the first value that
@@ -696,7 +688,7 @@ void frmMain::SaveMessageAs(const QString& name) {
         return;
     // Untitled work is trashed by the next New and never listed: no message is saved so.
     if (!gUntitledName.isEmpty() && name.contains(gUntitledName)) {
-        MsgBox(textWith(QStringLiteral("STR_NAME_UNTITLED"), {gUntitledName}), Vb::Exclamation,
+        MsgBox(localTextPar(QStringLiteral("STR_NAME_UNTITLED"), {gUntitledName}), Vb::Exclamation,
                text(QStringLiteral("BTN_SAVEAS")));
         mDialogCancelled = true;
         return;
@@ -762,7 +754,7 @@ void frmMain::TimerRecovery_Timer() {
 void frmMain::OfferRecoveryCopy() {
     if (!hasRecoveryCopy())
         return;
-    const int answer = MsgBox(textWith(QStringLiteral("STR_RECOVER_MSG"), {recoveryCopyName()}),
+    const int answer = MsgBox(localTextPar(QStringLiteral("STR_RECOVER_MSG"), {recoveryCopyName()}),
                               Vb::YesNo | Vb::Question, text(QStringLiteral("APP_PRODUCTNAME")));
     if (answer == Vb::Yes) {
         if (auto restored = restoreRecoveryCopy(*mMMSManager))

@@ -334,15 +334,7 @@ void frmMessageList::cmdOpen_Click() {
     const QString name = txtName->text();
     if (mMode == SaveAs && listHolds(name)) {
         const QStringList params{name, QStringLiteral("\r\n\r\n")};
-        QString question;
-        if (gLocalizer()) {
-            question = gLocalizer()->GetStringPar(QStringLiteral("STR_MSG_EXISTS"), params);
-        } else {
-            question = localText(QStringLiteral("STR_MSG_EXISTS"));
-            question.replace(QLatin1String("%n"), QLatin1String("\r\n"));
-            for (int i = 0; i < params.size(); ++i)
-                question.replace(QLatin1Char('%') + QString::number(i), params[i]);
-        }
+        const QString question = localTextPar(QStringLiteral("STR_MSG_EXISTS"), params);
         if (MsgBox(question, Vb::YesNo | Vb::Question, textOf(QStringLiteral("BTN_SAVEAS"))) !=
             Vb::Yes)
             return;

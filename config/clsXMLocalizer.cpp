@@ -302,12 +302,7 @@ QString clsXMLocalizer::GetStringPar(const QString& key, const QStringList& para
     const auto found = d->strings.constFind(key.toCaseFolded());
     if (found == d->strings.cend())
         return key;
-    QString text = *found;
-    text.replace(QStringLiteral("%n"), QStringLiteral("\r\n"));
-    // Plain replacement in index order: "%1" also matches the start of "%10".
-    for (qsizetype i = 0; i < params.size(); ++i)
-        text.replace(QLatin1Char('%') + QString::number(i), params[i]);
-    return text;
+    return fillMarkers(*found, params);
 }
 
 void clsXMLocalizer::SetProperFont(QFont& font, int codePage) {

@@ -313,5 +313,5 @@ void clsMMSManager::recoverMessage(const QString& name, const QStringList& stage
 
 bool clsMMSManager::SavePictureBoxImage(const QString& filePath, const QImage& picture,
                                         std::int32_t kind) {
-    return ::SavePictureBoxImage(filePath, picture, kind);
+    return ::SavePictureBoxImage(filePath, picture, kind, QStringLiteral("picDownload"), *mSink);
 }
