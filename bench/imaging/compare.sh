@@ -7,7 +7,7 @@
 set -euo pipefail
 
 build=${1:-build}
-tool="$build/bin/tessaly-img"
+tool=$(realpath -m "$build/bin/tessaly-img")
 [[ -x $tool ]] || { echo "no $tool: build the tessaly-img target first" >&2; exit 1; }
 for program in hyperfine gif2rgb cjpeg python3; do
   command -v "$program" >/dev/null || { echo "$program is missing" >&2; exit 1; }
@@ -50,10 +50,10 @@ PY
 cd "$work"
 # gif2rgb writes the GIF it makes to its standard output.
 hyperfine -N --warmup 5 --runs 60 --export-markdown gif.md --output=pipe \
-  "$OLDPWD/$tool photo.bmp out.gif" \
+  "$tool photo.bmp out.gif" \
   "gif2rgb -c 8 -s 640 480 -1 photo.rgb"
 hyperfine -N --warmup 5 --runs 60 --export-markdown jpeg.md --output=pipe \
-  "$OLDPWD/$tool photo.bmp out.jpg" \
+  "$tool photo.bmp out.jpg" \
   "cjpeg -quality 90 -outfile ref.jpg photo.bmp"
 echo
 cat gif.md
