@@ -59,7 +59,6 @@ void waitForSplash() {
 // How often the recovery copy of a changed message is written.
 constexpr int kRecoveryInterval = 60 * 1000;
 
-// The local text of `key` with its numbered markers filled.
 // Reads every number of `message` that the window and the slide controls read, and writes back
 // what the window stores from its controls, so that a damaged document is refused when it is
 // opened rather than failing on a later click. Raises the failure of the first value that
@@ -772,7 +771,10 @@ void frmMain::EndedBySystem() {
         WriteRecoveryCopy();
     else
         removeRecoveryCopy();
-    // Dialogs still open are dismissed: the end does not ask.
+    // The session is going away: the splash does not get to finish its timed life, and dialogs
+    // still open are dismissed, since the end does not ask.
+    if (frmSplash* splash = frmSplash::Instance())
+        splash->Unload();
     for (QWidget* window : QApplication::topLevelWidgets())
         if (auto* dialog = qobject_cast<QDialog*>(window); dialog && dialog->isVisible())
             dialog->reject();
