@@ -125,7 +125,8 @@ TEST_F(MainWindow, StartsWithAnUntitledMessageOfOneSlideAndKeepsItsSize) {
     EXPECT_EQ(label("lblMaxTime"), QStringLiteral("3.0s"));
     EXPECT_TRUE(window->windowFlags() & Qt::FramelessWindowHint);
     window->showMaximized();
-    QTRY_VERIFY_WITH_TIMEOUT(!(window->windowState() & Qt::WindowMaximized), 2000);
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return !(window->windowState() & Qt::WindowMaximized); }, 2000));
     EXPECT_EQ(window->size(), QSize(644, 488)); // 9660 x 7320 twips
     {
         DialogCanceller dialogs;
@@ -153,7 +154,7 @@ TEST_F(MainWindow, CloseBoxAsksLikeExitAndGoesAfterTheTimerOnceStartUpHasEnded) 
         ASSERT_TRUE(ticks.wait(2000));
     EXPECT_TRUE(window->isVisible()) << "the exit waits while start-up runs";
     gStarting = false;
-    QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 2000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }, 2000));
     EXPECT_EQ(gProperties(), nullptr) << "the unload released the preferences";
     EXPECT_TRUE(
         home.read(QStringLiteral("tessaly.xml")).contains("<KEY name=\"SelectedTool\">3</KEY>"));
@@ -393,12 +394,16 @@ TEST_F(MainWindow, EndedBySystemKeepsTheChangedMessageForTheNextStart) {
     gProperties()->SetProp(QStringLiteral("preferences"), QStringLiteral("SelectedTool"),
                            QStringLiteral("2"));
     boxes.boxAnswers = {Vb::Cancel}; // a question would keep the program running
-    // A splash in its timed life (four seconds and more) does not hold the end back.
+    // A splash in its timed life does not hold the end back: it is cut short.
     gSplashActive = true;
-    frmSplash::Load()->show();
+    frmSplash* splash = frmSplash::Load();
+    splash->show();
+    int splashTicks = 0;
+    QObject::connect(splash->TimerSplash(), &QTimer::timeout, [&] { ++splashTicks; });
     std::raise(SIGTERM);
-    QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 2000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }, 5000));
     EXPECT_FALSE(gSplashActive);
+    EXPECT_LT(splashTicks, frmSplash::kLastTick);
     EXPECT_TRUE(boxes.boxes.empty()) << "the end by the system asks nothing";
     EXPECT_TRUE(
         home.read(QStringLiteral("tessaly.xml")).contains("<KEY name=\"SelectedTool\">2</KEY>"));
@@ -417,7 +422,7 @@ TEST_F(MainWindow, EndedBySystemKeepsTheChangedMessageForTheNextStart) {
     // Ended again while the Save As dialog is open: the dialog goes and the changes are kept.
     QTimer::singleShot(50, [] { std::raise(SIGHUP); });
     window->ctlMainMenu1_MenuClick(MenuKey::FileSaveAs);
-    QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 5000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }, 5000));
     boxes.boxAnswers = {Vb::No};
     start();
     EXPECT_EQ(boxes.boxes.size(), 2u);
@@ -429,14 +434,14 @@ TEST_F(MainWindow, EndedBySystemKeepsTheChangedMessageForTheNextStart) {
 TEST_F(MainWindow, RecoveryCopyIsWrittenWhileChangedAndGoesWhenSavedOrAtAnExit) {
     window->TimerRecovery()->setInterval(20);
     openEdited(QStringLiteral("Kept"));
-    QTRY_VERIFY_WITH_TIMEOUT(hasRecoveryCopy(), 2000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return hasRecoveryCopy(); }, 2000));
     EXPECT_EQ(recoveryCopyName(), QStringLiteral("Kept"));
     window->ctlMainMenu1_MenuClick(MenuKey::FileSave);
-    QTRY_VERIFY_WITH_TIMEOUT(!hasRecoveryCopy(), 2000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !hasRecoveryCopy(); }, 2000));
     edit(QStringLiteral("Again"));
-    QTRY_VERIFY_WITH_TIMEOUT(hasRecoveryCopy(), 2000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return hasRecoveryCopy(); }, 2000));
     boxes.boxAnswers = {Vb::No}; // leave without saving: the user's choice
     window->RequestExit();
-    QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 2000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }, 2000));
     EXPECT_FALSE(hasRecoveryCopy());
 }

@@ -150,7 +150,7 @@ TEST(MainMenuHot, HotTrackingColoursTheLabelUnderTheMouse) {
     EXPECT_EQ(menu->Timer1()->interval(), 50);
     // The mouse leaves the bar: the next tick puts all labels back.
     QCursor::setPos(form.mapToGlobal(QPoint(5, 90)));
-    QTRY_VERIFY_WITH_TIMEOUT(!menu->Timer1()->isActive(), 2000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !menu->Timer1()->isActive(); }, 2000));
     EXPECT_EQ(menu->MenuLabel(1)->palette().color(QPalette::WindowText), menu->NormalColor());
 }
 

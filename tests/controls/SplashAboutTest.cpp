@@ -88,7 +88,7 @@ TEST(Splash, LifeCycle) {
         EXPECT_EQ(frmSplash::Instance(), nullptr);
         previous = splash;
     }
-    QTRY_VERIFY(previous.isNull());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return previous.isNull(); }));
     EXPECT_TRUE(
         AppVersionText().contains(QRegularExpression(QStringLiteral("^\\d+\\.\\d+\\.\\d+$"))));
 }
@@ -121,7 +121,7 @@ TEST(Splash, FoldsToALineThenToADotThatStaysForThePause) {
     tick(splash->ShrinkTimer());
     EXPECT_EQ(unloaded.size(), 1);
     EXPECT_FALSE(gSplashActive);
-    QTRY_VERIFY(splash.isNull());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return splash.isNull(); }));
 }
 
 TEST(About, EscapeAndOkCloseWithTheShrinkOnce) {
@@ -149,7 +149,7 @@ TEST(About, EscapeAndOkCloseWithTheShrinkOnce) {
         tick(about.ShrinkTimer());
         EXPECT_EQ(about.height(), full - 20);
         about.ShrinkTimer()->setInterval(1);
-        QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, 5000);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return finished.size() == 1; }, 5000));
         EXPECT_FALSE(about.isVisible());
         EXPECT_EQ(about.size(), QSize(4, 3));
     }
@@ -174,7 +174,7 @@ TEST(About, SysInfoStartsTheFirstProgramFoundOrShowsABox) {
     script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     EXPECT_TRUE(about.StartSysInfo());
     EXPECT_EQ(responder.boxes.size(), 1u);
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(marker), 5000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(marker); }, 5000));
 }
 
 TEST(TitleBar, HidingKeepsTheCaptionAndTheClientArea) {

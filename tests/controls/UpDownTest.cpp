@@ -128,7 +128,7 @@ TEST(UpDown, HeldButtonRepeatsAfterHalfASecondThenTenTimesASecond) {
     EXPECT_TRUE(field.TimerRepeat()->isActive());
     EXPECT_EQ(field.TimerRepeat()->interval(), 500);
     // On the real timer: the first tick steps and speeds the timer up.
-    QTRY_COMPARE_WITH_TIMEOUT(changes.values.size(), 1u, 2000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return changes.values.size() == 1u; }, 2000));
     EXPECT_EQ(field.Value(), 1100);
     EXPECT_EQ(field.TimerRepeat()->interval(), 100);
     emit field.cmdUp()->released();
