@@ -205,7 +205,8 @@ void frmMain::Form_Activate() {
         NewMessage(gUntitledName);
 
     waitForSplash();
-    OfferRecoveryCopy();
+    // The question about a recovery copy waits until the window is on the screen behind it.
+    QTimer::singleShot(0, this, &frmMain::OfferRecoveryCopy);
     mTimerRecovery->start();
 
     gStarting = false;
@@ -753,6 +754,12 @@ void frmMain::TimerRecovery_Timer() {
 void frmMain::OfferRecoveryCopy() {
     if (!hasRecoveryCopy())
         return;
+    // Asked over the window, once the splash of start-up has finished its timed life.
+    if (frmSplash* splash = gSplashActive ? frmSplash::Instance() : nullptr) {
+        connect(splash, &frmSplash::Unloaded, this, &frmMain::OfferRecoveryCopy,
+                Qt::SingleShotConnection);
+        return;
+    }
     const int answer = MsgBox(localTextPar(QStringLiteral("STR_RECOVER_MSG"), {recoveryCopyName()}),
                               Vb::YesNo | Vb::Question, text(QStringLiteral("APP_PRODUCTNAME")));
     if (answer == Vb::Yes) {

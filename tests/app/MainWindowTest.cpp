@@ -410,7 +410,8 @@ TEST_F(MainWindow, EndedBySystemKeepsTheChangedMessageForTheNextStart) {
 
     boxes.boxAnswers = {Vb::Yes};
     start();
-    ASSERT_EQ(boxes.boxes.size(), 1u);
+    EXPECT_TRUE(boxes.boxes.empty()) << "asked once the window is on the screen";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return boxes.boxes.size() == 1u; }));
     EXPECT_EQ(boxes.boxes[0].text,
               QStringLiteral("Tessaly was ended before the changes to the message "
                              "\"Untitled\" were saved.\r\nDo you want to restore them?"));
@@ -425,7 +426,7 @@ TEST_F(MainWindow, EndedBySystemKeepsTheChangedMessageForTheNextStart) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }, 5000));
     boxes.boxAnswers = {Vb::No};
     start();
-    EXPECT_EQ(boxes.boxes.size(), 2u);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return boxes.boxes.size() == 2u; }));
     EXPECT_FALSE(hasRecoveryCopy());
     EXPECT_FALSE(window->changed());
     EXPECT_EQ(window->message()->Slides()->Item(1)->Text(), QString());
