@@ -6,6 +6,7 @@
 #include "support/ScriptedResponder.h"
 
 #include <gtest/gtest.h>
+#include <tuple>
 
 using imagingtest::RecordingSink;
 
@@ -187,4 +188,15 @@ TEST(DIBSection, BufferIsBlueGreenRedBottomRowFirst) {
     EXPECT_EQ(std::pair(target.pixel(0, 0), target.pixel(1, 0)),
               std::pair(qRgb(9, 9, 9), qRgb(10, 20, 30)));
     EXPECT_THROW(dib.LoadPictureBlt(picture, 0, 0, -1, -1, 0x00EE0086), Failure);
+
+    // A copy from an offset of the source takes the width asked for, the rest of the height.
+    QImage ramp(5, 5, QImage::Format_RGB32);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 5; ++x)
+            ramp.setPixel(x, y, qRgb(x * 10, y * 10, 0));
+    ASSERT_TRUE(dib.Create(3, 3));
+    dib.LoadPictureBlt(ramp, 2, 1, 2, -1);
+    const QImage out = dib.toQImage();
+    EXPECT_EQ(std::tuple(out.pixel(0, 0), out.pixel(1, 2), out.pixel(2, 0)),
+              std::tuple(qRgb(20, 10, 0), qRgb(30, 30, 0), qRgb(0, 0, 0)));
 }
