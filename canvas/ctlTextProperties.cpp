@@ -158,7 +158,9 @@ ctlTextProperties::ctlTextProperties(QWidget* parent)
     mTimerComboClick->setInterval(kComboDelay);
     connect(mTimerComboClick, &QTimer::timeout, this, &ctlTextProperties::TimerComboClick_Timer);
 
+    // The sample lies on the colour of a text field; its letters keep the text's colour.
     ui->lblFontPreview->setBackgroundRole(QPalette::Base);
+    ui->lblFontPreview->setForegroundRole(QPalette::WindowText);
     drawGlyphs();
     fillFontLists();
     connectControls();
@@ -294,7 +296,7 @@ void ctlTextProperties::fillFontLists() {
 
 void ctlTextProperties::connectControls() {
     connect(ui->txtObject, &QPlainTextEdit::textChanged, this,
-            [this] { emit TextChanged(Text()); });
+            &ctlTextProperties::txtObject_Change);
     connect(ui->cmdFontName, &QAbstractButton::clicked, this,
             [this] { openComboLater(ui->cboFontName); });
     connect(ui->cmdFontSize, &QAbstractButton::clicked, this,
@@ -345,22 +347,19 @@ void ctlTextProperties::SetControlBackColor(std::int32_t back, std::int32_t fore
 }
 
 void ctlTextProperties::SetSelection(const TextAttributes& attributes) {
-    {
-        // Showing a label's text is no change of the text by the user.
-        const QSignalBlocker block(ui->txtObject);
-        ui->txtObject->setPlainText(NormalisedLineEnds(attributes.caption));
-    }
+    ui->txtObject->setPlainText(NormalisedLineEnds(attributes.caption));
     ui->cmdBold->setPressed(attributes.bold);
     ui->cmdItalic->setPressed(attributes.italic);
     ui->cmdUnderline->setPressed(attributes.underline);
     showSwatch(attributes.colour);
-    // SetAlignment ends with UpdateLook, as this does: the values below are not all in place
-    // yet, so its look is only shown, and the one Apply comes last.
+    // As SetAlignment does it, but without its UpdateLook: the lists below are not in place
+    // yet, and the one Apply comes last.
     if (attributes.alignment >= 0 && attributes.alignment < kAlignCount) {
         for (int i = 0; i < kAlignCount; ++i)
             cmdAlign(i)->setPressed(i == attributes.alignment);
         mAlignment = attributes.alignment;
     }
+    // Family names are the same in any case, as the font's read-back check has it.
     const int name = ui->cboFontName->findText(attributes.fontName, Qt::MatchFixedString);
     if (name >= 0)
         ui->cboFontName->setCurrentIndex(name);
@@ -476,6 +475,15 @@ int ctlTextProperties::selectedSize() const {
 void ctlTextProperties::flipStyle(GrButtonIII* button) {
     button->setPressed(!button->Pressed());
     UpdateLook();
+}
+
+// Every change of the text, typed or shown by SetSelection; setting the same text again is none.
+void ctlTextProperties::txtObject_Change() {
+    const QString text = Text();
+    if (text == mText)
+        return;
+    mText = text;
+    emit TextChanged(text);
 }
 
 // ---------------------------------------------------------------------------------------------

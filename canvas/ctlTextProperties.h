@@ -111,6 +111,7 @@ private:
     void cmdTextColor_Click();
     void cmdColorPicker_Click();
     void flipStyle(GrButtonIII* button);
+    void txtObject_Change();
     int selectedSize() const;
 
     std::unique_ptr<Ui::ctlTextProperties> ui;
@@ -118,6 +119,7 @@ private:
     QComboBox* mOpenCombo = nullptr;
     QWidget* mPopups[2] = {nullptr, nullptr}; // the pop-up windows of the two lists
     bool mComboOpen = false;
+    QString mText; // the text of the last TextChanged
     bool mApplyEnabled = false;
     int mAlignment = 0;
 };
