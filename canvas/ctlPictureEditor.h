@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QImage>
+#include <QMetaType>
 #include <QPointF>
 #include <QRectF>
 #include <QString>
@@ -28,6 +29,7 @@ struct CanvasText {
 
     bool operator==(const CanvasText&) const = default;
 };
+Q_DECLARE_METATYPE(CanvasText)
 
 // A picture on the surface: drawn stretched over its own rectangle.
 class CanvasPicture : public QWidget {
