@@ -9,7 +9,6 @@
 #include "platform/modDialogs.h"
 #include "platform/modText.h"
 
-#include <QCoreApplication>
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QLabel>
@@ -767,10 +766,12 @@ void ctlPictureEditor::SelectObject(QWidget* object) {
     mOutlineLayer->raise();
 }
 
+// Renders are composed from the objects, not captured from the screen, so hiding the handles
+// needs no pass of the event loop before a render: none is made, and no timer of the window
+// can run in the middle of a store.
 void ctlPictureEditor::HideNodes() {
     for (QLabel* node : mNodes)
         node->hide();
-    QCoreApplication::processEvents();
 }
 
 // ---------------------------------------------------------------------------------------------
