@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QLabel>
 #include <QPainter>
+#include <QScopeGuard>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextEdit>
@@ -270,4 +272,79 @@ TEST(CanvasStore, ASavedSlideOpensWithTheSameObjectsAndPicture) {
     // Saving the reopened slide gives the same document back.
     again.SaveDrawObjects(reopened->DrawObjects());
     EXPECT_EQ(properties(reopened->DrawObjects()), saved);
+}
+
+// A slide as a person composes it, on screen next to its preview. What the surface shows, with
+// the selection dropped, is what RenderImage gives. With TESSALY_SCREENSHOT_DIR set the window
+// is also photographed from the screen into that folder:
+//   TESSALY_SCREENSHOT_DIR=docs/screenshots QT_QPA_PLATFORM=xcb xvfb-run -a \
+//     build/bin/canvas_tests --gtest_filter='*OnScreen*'
+TEST_F(CanvasFixture, TheSurfaceOnScreenIsTheRenderedSlide) {
+    QImage sky(64, 48, QImage::Format_RGB32);
+    {
+        QPainter painter(&sky);
+        QLinearGradient gradient(0, 0, 0, 48);
+        gradient.setColorAt(0, QColor(40, 90, 200));
+        gradient.setColorAt(0.7, QColor(170, 210, 250));
+        gradient.setColorAt(0.71, QColor(60, 150, 60));
+        gradient.setColorAt(1, QColor(30, 110, 30));
+        painter.fillRect(sky.rect(), gradient);
+    }
+    QImage sun(36, 36, QImage::Format_RGB32), house(44, 40, QImage::Format_RGB32);
+    sun.fill(QColor(40, 90, 200));
+    house.fill(QColor(140, 190, 240));
+    {
+        QPainter painter(&sun);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setBrush(QColor(255, 210, 40));
+        painter.drawEllipse(2, 2, 32, 32);
+        QPainter walls(&house);
+        walls.fillRect(6, 18, 32, 22, QColor(200, 80, 60));
+        walls.setBrush(QColor(120, 50, 40));
+        walls.drawPolygon(QPolygon({{2, 19}, {22, 2}, {42, 19}}));
+        walls.fillRect(18, 28, 8, 12, QColor(90, 60, 30));
+    }
+    const QString skyFile = home.file(QStringLiteral("sky.bmp"));
+    ASSERT_TRUE(sky.save(skyFile, "BMP"));
+    ASSERT_TRUE(sun.save(home.file(QStringLiteral("sun.bmp")), "BMP"));
+    ASSERT_TRUE(house.save(home.file(QStringLiteral("house.bmp")), "BMP"));
+
+    QWidget window;
+    window.setWindowTitle(QStringLiteral("Tessaly"));
+    QPalette grey = window.palette();
+    grey.setColor(QPalette::Window, QColor(0xd8, 0xdc, 0xe4));
+    window.setPalette(grey);
+    editor.setParent(&window);
+    const auto giveBack = qScopeGuard([&] { editor.setParent(nullptr); }); // the fixture owns it
+    editor.setGeometry(12, 12, 160, 120);
+    QLabel preview(&window);
+    preview.setGeometry(188, 12, 160, 120);
+    window.resize(360, 144);
+    ASSERT_TRUE(editor.AddBackgroundImage(skyFile));
+    ASSERT_TRUE(editor.AddImage(home.file(QStringLiteral("house.bmp")), QStringLiteral("house")));
+    editor.selected()->move(96, 58);
+    ASSERT_TRUE(editor.AddImage(home.file(QStringLiteral("sun.bmp")), QStringLiteral("sun")));
+    editor.selected()->move(12, 8);
+    editor.AddText(CanvasText{QStringLiteral("Greetings!"), QStringLiteral("DejaVu Serif"), 15,
+                              0x2020C0, true, true});
+    editor.selected()->move(8, 94);
+    QObject::connect(&editor, &ctlPictureEditor::CanvasChanged, &preview,
+                     [&] { editor.RenderImage(&preview, 1); });
+    editor.RenderImage(&preview, 1);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+
+    QTest::mouseClick(surface, Qt::LeftButton, {}, {150, 40}); // bare: the handles go
+    QImage shown(160, 120, QImage::Format_RGB32);
+    surface->render(&shown);
+    EXPECT_EQ(shown, editor.RenderImage(QSize(160, 120), false));
+    EXPECT_EQ(preview.pixmap().toImage().convertToFormat(QImage::Format_RGB32), shown);
+
+    if (const QString folder = qEnvironmentVariable("TESSALY_SCREENSHOT_DIR"); !folder.isEmpty()) {
+        QTest::mouseClick(surface, Qt::LeftButton, {}, {110, 70}); // the house, with handles
+        QTest::qWait(200);
+        EXPECT_TRUE(window.screen()
+                        ->grabWindow(window.winId())
+                        .save(QDir(folder).filePath(QStringLiteral("canvas-composed-en.png"))));
+    }
 }
