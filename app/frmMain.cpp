@@ -470,6 +470,7 @@ void frmMain::TranslateForm() {
         ui->ctlMainMenu1->TranslateControl(gLocalizer());
         ui->ctlVerticalTab1->TranslateControl(gLocalizer());
     }
+    ui->ctlPictureEditor1->TranslateControl();
     const int tool = ui->ctlVerticalTab1->SelectedIndex();
     if (tool >= 0 && tool < int(std::size(kToolTitles)))
         ui->lblToolTitle->setText(text(QString::fromLatin1(kToolTitles[tool])));

@@ -229,8 +229,8 @@ void ctlPictureEditor::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     mPicture1->setGeometry(rect());
     mOutlineLayer->setGeometry(mPicture1->rect());
-    if (!mBackPicture.isNull())
-        mBackPicture = StretchCopy(mBackPicture, mPicture1->size(), true);
+    if (!mBackSource.isNull())
+        mBackPicture = StretchCopy(mBackSource, mPicture1->size(), true);
     applyBackgroundColor(mBackColor);
 }
 
@@ -411,6 +411,7 @@ QImage ctlPictureEditor::StretchCopy(const QImage& source, const QSize& target, 
 }
 
 void ctlPictureEditor::applyBackgroundPicture(const QImage& picture) {
+    mBackSource = picture;
     mBackPicture = StretchCopy(picture, mPicture1->size(), true);
     QPalette palette = mPicture1->palette();
     palette.setBrush(QPalette::Window, QBrush(mBackPicture));
@@ -449,7 +450,7 @@ void ctlPictureEditor::BrowseAddBackground() {
 void ctlPictureEditor::SetBackgroundColor(std::int32_t colour, bool ask) {
     if (ask && !ChooseColor(this, colour, kColorDialogFlags))
         return;
-    mBackPicture = QImage();
+    mBackPicture = mBackSource = QImage();
     applyBackgroundColor(fromVbColor(colour));
     if (mDrawObjects) {
         mDrawObjects->setBackPicture(QString());
@@ -500,7 +501,7 @@ void ctlPictureEditor::RenderImage(QLabel* target, int smooth) {
 void ctlPictureEditor::ClearPicture() {
     endEditIfOn();
     HideNodes();
-    mBackPicture = QImage();
+    mBackPicture = mBackSource = QImage();
     const bool notify = mNotifyChanges;
     mNotifyChanges = false; // one change for the whole clearing, below
     SetDefaultBackgroundColor();
@@ -526,7 +527,7 @@ void ctlPictureEditor::LoadDrawObjects(clsDrawObjects* objects) {
         if (!pictured) {
             // A background file that has gone shows the slide's colour; the document keeps
             // the file's name.
-            mBackPicture = QImage();
+            mBackPicture = mBackSource = QImage();
             applyBackgroundColor(fromVbColor(objects->BackColor()));
         }
         for (const auto& object : *objects) {

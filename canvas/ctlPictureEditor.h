@@ -213,6 +213,7 @@ private:
     clsDrawObjects* mDrawObjects = nullptr;
     CanvasText mDefaults;
     QImage mBackPicture; // already stretched to the surface; null for a plain colour
+    QImage mBackSource;  // the background picture as loaded
     QColor mBackColor = Qt::white;
     QImage mPickerImage;
 

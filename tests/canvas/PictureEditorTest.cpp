@@ -277,8 +277,8 @@ TEST(CanvasStore, ASavedSlideOpensWithTheSameObjectsAndPicture) {
 // A slide as a person composes it, on screen next to its preview. What the surface shows, with
 // the selection dropped, is what RenderImage gives. With TESSALY_SCREENSHOT_DIR set the window
 // is also photographed from the screen into that folder:
-//   TESSALY_SCREENSHOT_DIR=docs/screenshots QT_QPA_PLATFORM=xcb xvfb-run -a \
-//     build/bin/canvas_tests --gtest_filter='*OnScreen*'
+//   TESSALY_SCREENSHOT_DIR=docs/screenshots QT_QPA_PLATFORM=xcb xvfb-run -a
+//     build/bin/canvas_tests --gtest_filter='*OnScreen*'   (one command line)
 TEST_F(CanvasFixture, TheSurfaceOnScreenIsTheRenderedSlide) {
     QImage sky(64, 48, QImage::Format_RGB32);
     {
