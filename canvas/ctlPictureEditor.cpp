@@ -114,7 +114,9 @@ CanvasLabel::CanvasLabel(QWidget* parent) : QWidget(parent) {
 }
 
 QFont CanvasLabel::slideFont(const CanvasText& text) {
-    QFont font(text.fontName);
+    QFont font;
+    // A font the system lacks (Verdana, most of all) falls back to DejaVu Sans.
+    font.setFamilies({text.fontName, QStringLiteral("DejaVu Sans")});
     font.setPixelSize(std::max(1, static_cast<int>(std::lround(text.size * 4.0 / 3.0))));
     font.setBold(text.bold);
     font.setItalic(text.italic);

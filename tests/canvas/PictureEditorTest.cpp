@@ -188,6 +188,23 @@ TEST_F(CanvasFixture, TheAppliedStyleIsTheNextTextsDefault) {
     EXPECT_EQ(texts[0][0].value<CanvasText>(), styled);
 }
 
+TEST_F(CanvasFixture, TheColourPickerGivesTheColourUnderTheMouseOnAPictureOfTheSurface) {
+    editor.SetBackgroundColor(0x00FF00, false);
+    addPicture(1);
+    QSignalSpy colours(&editor, &ctlPictureEditor::ColorPicked);
+    editor.EnabledColorPicker();
+    auto* picker = editor.findChild<QLabel*>(QStringLiteral("picColorPicker"));
+    ASSERT_TRUE(picker && picker->isVisible());
+    QTest::mouseClick(picker, Qt::LeftButton, {}, {100, 100});
+    EXPECT_FALSE(picker->isVisible());
+    ASSERT_EQ(colours.count(), 1);
+    EXPECT_EQ(colours[0][0].toInt(), 0x00FF00);
+    editor.EnabledColorPicker();
+    QTest::mouseClick(picker, Qt::LeftButton, {}, {12, 10}); // on the picture's pixel (2, 0)
+    ASSERT_EQ(colours.count(), 2);
+    EXPECT_EQ(fromVbColor(colours[1][0].toInt()), pattern({40, 30}, 1).pixelColor(2, 0));
+}
+
 TEST_F(CanvasFixture, RenderingDrawsBackgroundThenObjectsBackToFrontWithoutHandles) {
     const QImage back = pattern({80, 60}, 5);
     const QString backFile = home.file(QStringLiteral("back.bmp"));
