@@ -927,7 +927,9 @@ void ctlPictureEditor::surfaceMouseMove(QMouseEvent* event) {
 void ctlPictureEditor::surfaceMouseRelease(QMouseEvent* event) {
     const Qt::MouseButton button = event->button();
     if (mEditing) {
-        if (button == Qt::LeftButton)
+        if (mEditJustBegun)
+            mEditJustBegun = false;
+        else if (button == Qt::LeftButton)
             EndTextEdit();
         return;
     }
@@ -999,6 +1001,7 @@ void ctlPictureEditor::surfaceDoubleClick(QMouseEvent* event) {
     if (qobject_cast<CanvasLabel*>(objectAt(event->position().toPoint()))) {
         mSelected = objectAt(event->position().toPoint());
         BeginTextEdit();
+        mEditJustBegun = mEditing;
     }
 }
 

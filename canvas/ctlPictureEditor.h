@@ -220,6 +220,7 @@ private:
     int mActiveNode = -1;
     bool mMoving = false;
     bool mRightClickDone = false;
+    bool mEditJustBegun = false; // the release after a double click belongs to it
     QWidget* mPressed = nullptr; // the object the button went down on, for the click after
     QRectF mOutline;
     QRectF mStart;

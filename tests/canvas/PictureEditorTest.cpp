@@ -186,6 +186,18 @@ TEST_F(CanvasFixture, TheAppliedStyleIsTheNextTextsDefault) {
     styled.caption = QStringLiteral("Second");
     EXPECT_EQ(editor.label(2)->text(), styled);
     EXPECT_EQ(texts[0][0].value<CanvasText>(), styled);
+
+    // A double click edits a label in place until the next click.
+    editor.label(2)->move(10, 70); // off the first
+    const QPoint first = editor.label(1)->geometry().center();
+    QTest::mouseDClick(surface, Qt::LeftButton, {}, first);
+    QTest::mouseRelease(surface, Qt::LeftButton, {}, first);
+    ASSERT_TRUE(editor.editing());
+    EXPECT_EQ(editor.textEditor()->toPlainText(), QStringLiteral("First"));
+    editor.textEditor()->setPlainText(QStringLiteral("Changed"));
+    QTest::mouseClick(surface, Qt::LeftButton, {}, first);
+    EXPECT_FALSE(editor.editing());
+    EXPECT_EQ(editor.label(1)->text().caption, QStringLiteral("Changed"));
 }
 
 TEST_F(CanvasFixture, TheColourPickerGivesTheColourUnderTheMouseOnAPictureOfTheSurface) {
