@@ -44,6 +44,8 @@ enum MenuText {
     Delete,
     BringToFrontCaption,
     SendToBackCaption,
+    NoFileFound,
+    ProductName,
 };
 
 int slotIndex(const QWidget* object) {
@@ -430,12 +432,21 @@ void ctlPictureEditor::applyBackgroundColor(const QColor& colour) {
     mPicture1->setPalette(palette);
 }
 
+// A picture file the user chose, or a box that says why there is none. A slide being loaded
+// shows no box: its missing pictures are shown as such.
+QImage ctlPictureEditor::readChosenPicture(const QString& file) const {
+    const PictureFile read = ReadPictureFile(file);
+    if (read.picture.isNull() && mNotifyChanges)
+        MsgBox(NoFileFoundText(file), Vb::Information, mMenuTexts[ProductName]);
+    return read.picture;
+}
+
 bool ctlPictureEditor::AddBackgroundImage(const QString& file) {
     endEditIfOn();
-    const PictureFile read = ReadPictureFile(file);
-    if (read.picture.isNull())
+    const QImage picture = readChosenPicture(file);
+    if (picture.isNull())
         return false;
-    applyBackgroundPicture(read.picture);
+    applyBackgroundPicture(picture);
     if (mDrawObjects)
         mDrawObjects->setBackPicture(file);
     changed();
@@ -633,10 +644,10 @@ CanvasPicture* ctlPictureEditor::AddPictureObject(const QImage& picture, const Q
 }
 
 bool ctlPictureEditor::AddImage(const QString& file, const QString& name) {
-    const PictureFile read = ReadPictureFile(file);
-    if (read.picture.isNull())
+    const QImage picture = readChosenPicture(file);
+    if (picture.isNull())
         return false;
-    AddPictureObject(read.picture, name, file);
+    AddPictureObject(picture, name, file);
     changed();
     return true;
 }

@@ -156,6 +156,7 @@ private:
     void DuplicateImage();
     void DuplicateText();
     static QImage fallbackPicture();
+    QImage readChosenPicture(const QString& file) const;
 
     // Background.
     void applyBackgroundPicture(const QImage& picture);

@@ -120,13 +120,22 @@ TEST_F(CanvasFixture, ArrowKeysPassTheEdgeAndAnnounceOneChangeAfterTheRun) {
     EXPECT_FALSE(QTest::qWaitFor([&] { return changes.count() > 1; }, 600));
 }
 
-TEST_F(CanvasFixture, DeleteAndCtrlDActOnTheSelectionOnly) {
+TEST_F(CanvasFixture, DeleteAndCtrlDNeedASelectionAndUnreadableFilesAddNothing) {
     addPicture();
     QTest::mouseClick(surface, Qt::LeftButton, {}, {150, 110}); // bare surface
     ASSERT_EQ(editor.selected(), nullptr);
     QTest::keyClick(surface, Qt::Key_D, Qt::ControlModifier);
     QTest::keyClick(surface, Qt::Key_Delete);
     EXPECT_EQ(editor.imageCount(), 1);
+
+    // A file that is no picture is said, and changes nothing.
+    home.write(QStringLiteral("broken.bmp"), "BM no picture");
+    EXPECT_FALSE(editor.AddImage(home.file(QStringLiteral("broken.bmp")), {}));
+    EXPECT_FALSE(editor.AddBackgroundImage(home.file(QStringLiteral("broken.bmp"))));
+    ASSERT_EQ(dialogs.boxes.size(), 2u);
+    EXPECT_TRUE(dialogs.boxes[0].text.contains(QStringLiteral("broken.bmp")));
+    EXPECT_EQ(editor.imageCount(), 1);
+    EXPECT_EQ(editor.backColor(), QColor(Qt::white));
 
     QTest::mouseClick(surface, Qt::LeftButton, {}, {20, 20});
     QTest::keyClick(surface, Qt::Key_D, Qt::ControlModifier);
