@@ -5,6 +5,7 @@
 #include "app/TerminationSignals.h"
 #include "app/modMain.h"
 #include "browse/frmMessageList.h"
+#include "canvas/ctlPictureEditor.h"
 #include "config/clsPropertiesXML.h"
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
@@ -130,6 +131,9 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::frm
     });
     connect(ui->ctlVerticalTab1, &ctlVerticalTab::TabClick, this,
             &frmMain::ctlVerticalTab1_TabClick);
+    // The text panel takes TextSelected, ImageSelected, NothingSelected and ColorPicked.
+    connect(ui->ctlPictureEditor1, &ctlPictureEditor::CanvasChanged, this,
+            &frmMain::ctlPictureEditor1_CanvasChanged);
     ui->lblCaption->installEventFilter(this);
     ui->lblMessageTitle->installEventFilter(this);
 
@@ -466,6 +470,7 @@ void frmMain::TranslateForm() {
         ui->ctlMainMenu1->TranslateControl(gLocalizer());
         ui->ctlVerticalTab1->TranslateControl(gLocalizer());
     }
+    ui->ctlPictureEditor1->TranslateControl();
     const int tool = ui->ctlVerticalTab1->SelectedIndex();
     if (tool >= 0 && tool < int(std::size(kToolTitles)))
         ui->lblToolTitle->setText(text(QString::fromLatin1(kToolTitles[tool])));
@@ -540,6 +545,9 @@ void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
         break;
     case MenuKey::SlideAdd:
         AddSlide(ask, true);
+        break;
+    case MenuKey::SlideBackground:
+        ui->ctlPictureEditor1->SetBackgroundColor(0, true);
         break;
     case MenuKey::HelpAbout: {
         frmAbout about(this); // translates itself when it loads
@@ -812,19 +820,35 @@ void frmMain::AddSlide(bool ask, bool storeFirst) {
 void frmMain::StoreSlideFromUI() {
     if (!mSlide)
         return;
+    ui->ctlPictureEditor1->RenderImage(ui->picPreview, 1);
+    mSlide->setImage(ui->picPreview->pixmap().toImage());
     mSlide->setDuration(ui->ctlUpDown1->Value());
     const QString text = ui->txtMessage->toPlainText();
     mSlide->setText(text == ui->txtMessage->toolTip() ? QString() : text);
     mSlide->setSound(ui->lblSoundFile->toolTip());
+    ui->ctlPictureEditor1->SaveDrawObjects(mSlide->DrawObjects());
 }
 
 void frmMain::LoadSlideToUI(int index) {
     mSlide = mMessage && mMessage->Slides() ? mMessage->Slides()->Item(index) : nullptr;
-    if (!mSlide)
-        return;
-    LoadDuration();
-    LoadTextAndSound();
-    EnableSlideCommands(true);
+    if (mSlide) {
+        ui->ctlPictureEditor1->LoadDrawObjects(mSlide->DrawObjects());
+        LoadDuration();
+        LoadTextAndSound();
+        EnableSlideCommands(true);
+    }
+    RefreshPreviewImage();
+}
+
+void frmMain::RefreshPreviewImage() {
+    ui->ctlPictureEditor1->RenderImage(ui->picPreview, 1);
+}
+
+void frmMain::ctlPictureEditor1_CanvasChanged() {
+    ui->ctlPictureEditor1->RenderImage(ui->picPreview, 1);
+    if (mSlide)
+        mSlide->setImage(ui->picPreview->pixmap().toImage());
+    mChanged = true;
 }
 
 void frmMain::LoadDuration() {

@@ -68,6 +68,7 @@ public:
     void AddSlide(bool ask, bool storeFirst);
     void StoreSlideFromUI();
     void LoadSlideToUI(int index);
+    void RefreshPreviewImage();
     void UpdateTitle();
     std::int32_t UpdateTotalTime();
     void EnableSlideCommands(bool enabled);
@@ -102,6 +103,7 @@ private:
     void LoadDuration();
     void LoadTextAndSound();
     void txtMessage_Change();
+    void ctlPictureEditor1_CanvasChanged();
     void ctlVerticalTab1_TabClick(int index);
     void placeToolPages();
     void styleLabels();

@@ -1,6 +1,7 @@
 #include "app/TerminationSignals.h"
 #include "app/frmMain.h"
 #include "browse/frmMessageList.h"
+#include "canvas/ctlPictureEditor.h"
 #include "config/clsPropertiesXML.h"
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
@@ -388,9 +389,8 @@ TEST_F(MainWindow, EndedBySystemKeepsTheChangedMessageForTheNextStart) {
     start(); // a window that hears the signals
     EXPECT_EQ(window->TimerRecovery()->interval(), 60 * 1000);
     edit(QStringLiteral("Unsaved"));
-    QImage picture(160, 120, QImage::Format_RGB32);
-    picture.fill(Qt::red);
-    window->slide()->setImage(picture);
+    window->findChild<ctlPictureEditor*>(QStringLiteral("ctlPictureEditor1"))
+        ->SetBackgroundColor(0xFF, false); // red
     gProperties()->SetProp(QStringLiteral("preferences"), QStringLiteral("SelectedTool"),
                            QStringLiteral("2"));
     boxes.boxAnswers = {Vb::Cancel}; // a question would keep the program running
