@@ -115,7 +115,7 @@ CanvasLabel::CanvasLabel(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
-QFont CanvasLabel::slideFont(const CanvasText& text) {
+QFont CanvasLabel::slideFont(const TextAttributes& text) {
     QFont font;
     // A font the system lacks (Verdana, most of all) falls back to DejaVu Sans.
     font.setFamilies({text.fontName, QStringLiteral("DejaVu Sans")});
@@ -137,7 +137,7 @@ int CanvasLabel::alignmentFlags(int alignment) {
     }
 }
 
-void CanvasLabel::setText(const CanvasText& text) {
+void CanvasLabel::setText(const TextAttributes& text) {
     mText = text;
     autoSize();
 }
@@ -587,7 +587,7 @@ void ctlPictureEditor::SaveDrawObjects(clsDrawObjects* objects) {
             p.typ = QStringLiteral("image");
             p.Data = object->property("tag").toString();
         } else {
-            const CanvasText& t = label(-entry)->text();
+            const TextAttributes& t = label(-entry)->text();
             p.typ = QStringLiteral("text");
             p.Data = t.caption;
             p.fontName = t.fontName;
@@ -678,7 +678,7 @@ CanvasLabel* ctlPictureEditor::AddTextObject(const QString& caption) {
     CanvasLabel* object = mTexts[index];
     growStackOrder();
     MoveToFront(static_cast<std::int16_t>(-index));
-    CanvasText text = mDefaults;
+    TextAttributes text = mDefaults;
     text.caption = caption.isEmpty() ? QStringLiteral("<Text%1>").arg(index) : caption;
     object->setText(text);
     object->move(kNewObjectPlace, kNewObjectPlace);
@@ -689,16 +689,16 @@ CanvasLabel* ctlPictureEditor::AddTextObject(const QString& caption) {
     return object;
 }
 
-void ctlPictureEditor::AddText(const CanvasText& text) {
+void ctlPictureEditor::AddText(const TextAttributes& text) {
     CanvasLabel* object = AddTextObject(text.caption);
-    CanvasText shown = text;
+    TextAttributes shown = text;
     shown.caption = object->text().caption;
     object->setText(shown);
     SelectObject(object);
     changed();
 }
 
-void ctlPictureEditor::ApplyText(const CanvasText& text) {
+void ctlPictureEditor::ApplyText(const TextAttributes& text) {
     auto* object = qobject_cast<CanvasLabel*>(mSelected);
     if (!object)
         return;
@@ -1208,7 +1208,7 @@ void ctlPictureEditor::ShowCanvasMenu() {
                       mMenuTexts[PictureBackground], mMenuTexts[BackgroundColor]})) {
     case 1: {
         // A new text starts in place for typing; the panel hears of it when typing ends.
-        CanvasText text = mDefaults;
+        TextAttributes text = mDefaults;
         text.caption = mMenuTexts[TextNew];
         AddText(text);
         mPendingNewText = true;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "canvas/TextAttributes.h"
+
 #include <QColor>
 #include <QImage>
 #include <QMetaType>
@@ -14,22 +16,6 @@ class QLabel;
 class QTextEdit;
 class QTimer;
 class clsDrawObjects;
-
-// The eight values of a text on the slide, as the text panel and the canvas exchange them.
-// `alignment` is 0 left, 1 right, 2 centre; `colour` has red in the low byte.
-struct CanvasText {
-    QString caption;
-    QString fontName = QStringLiteral("Verdana");
-    int size = 18;
-    std::int32_t colour = 0;
-    bool bold = false;
-    bool italic = false;
-    bool underline = false;
-    int alignment = 2;
-
-    bool operator==(const CanvasText&) const = default;
-};
-Q_DECLARE_METATYPE(CanvasText)
 
 // A picture on the surface: drawn stretched over its own rectangle.
 class CanvasPicture : public QWidget {
@@ -54,11 +40,11 @@ class CanvasLabel : public QWidget {
     Q_OBJECT
 public:
     explicit CanvasLabel(QWidget* parent);
-    void setText(const CanvasText& text);
-    const CanvasText& text() const { return mText; }
+    void setText(const TextAttributes& text);
+    const TextAttributes& text() const { return mText; }
     void setCaption(const QString& caption);
     // The font as the slide shows it: the point size as pixels at 96 dots an inch.
-    static QFont slideFont(const CanvasText& text);
+    static QFont slideFont(const TextAttributes& text);
     static int alignmentFlags(int alignment);
     void paintOn(QPainter& painter) const;
 
@@ -67,7 +53,7 @@ protected:
 
 private:
     void autoSize();
-    CanvasText mText;
+    TextAttributes mText;
 };
 
 // The composing surface of one slide: a background (a picture stretched over the surface, or a
@@ -96,8 +82,8 @@ public:
     bool AddImage(const QString& file, const QString& name);
     void BrowseAddPicture();
     void DelPicture(int index);
-    void AddText(const CanvasText& text);
-    void ApplyText(const CanvasText& text);
+    void AddText(const TextAttributes& text);
+    void ApplyText(const TextAttributes& text);
     void ChangeText(const QString& caption);
     void DelText(int index);
     // The surface as composed (background, objects back to front, no handles) at `size`.
@@ -114,7 +100,7 @@ public:
     int textCount() const { return mTextCount; }
     CanvasPicture* image(int index) const;
     CanvasLabel* label(int index) const;
-    const CanvasText& nextTextDefaults() const { return mDefaults; }
+    const TextAttributes& nextTextDefaults() const { return mDefaults; }
     bool editing() const { return mEditing; }
     QTextEdit* textEditor() const { return mTxtEdit; }
     QLabel* handle(int index) const;
@@ -123,7 +109,7 @@ public:
     QColor backColor() const { return mBackColor; }
 
 signals:
-    void TextSelected(const CanvasText& text);
+    void TextSelected(const TextAttributes& text);
     void ImageSelected(int index, const QString& name);
     void NothingSelected();
     void CanvasChanged();
@@ -212,7 +198,7 @@ private:
     bool mPendingNewText = false;
     bool mNotifyChanges = true;
     clsDrawObjects* mDrawObjects = nullptr;
-    CanvasText mDefaults;
+    TextAttributes mDefaults;
     QImage mBackPicture; // already stretched to the surface; null for a plain colour
     QImage mBackSource;  // the background picture as loaded
     QColor mBackColor = Qt::white;

@@ -29,8 +29,9 @@ void RenderSlideOfTwentyObjects(benchmark::State& state) {
         gradient({24 + 4 * i, 18 + 3 * i}, i).save(file, "BMP");
         editor.AddImage(file, QStringLiteral("p"));
         editor.selected()->move(i * 13, i * 9);
-        editor.AddText(CanvasText{QStringLiteral("Text %1").arg(i), QStringLiteral("DejaVu Sans"),
-                                  10 + i, 0x0000FF * (i % 2), i % 2 == 0, i % 3 == 0});
+        editor.AddText(TextAttributes{QStringLiteral("Text %1").arg(i),
+                                      QStringLiteral("DejaVu Sans"), 10 + i, 0x0000FF * (i % 2),
+                                      i % 2 == 0, i % 3 == 0});
         editor.selected()->move(150 - i * 14, i * 11);
     }
     if (editor.imageCount() + editor.textCount() != 20) {

@@ -165,7 +165,7 @@ TEST_F(CanvasFixture, AReusedSlotKeepsOneStackEntryAndLiveObjectsKeepTheirs) {
     addPicture(1);
     addPicture(2);
     editor.DelPicture(2);
-    editor.AddText(CanvasText{QStringLiteral("T")});
+    editor.AddText(TextAttributes{QStringLiteral("T")});
     addPicture(3); // takes slot 2 again
     EXPECT_EQ(editor.image(2)->pos(), QPoint(10, 10));
     EXPECT_EQ(entries(2), 1);
@@ -179,8 +179,8 @@ TEST_F(CanvasFixture, AReusedSlotKeepsOneStackEntryAndLiveObjectsKeepTheirs) {
 }
 
 TEST_F(CanvasFixture, TheAppliedStyleIsTheNextTextsDefault) {
-    editor.AddText(CanvasText{QStringLiteral("First")});
-    CanvasText styled{QStringLiteral("First"), QStringLiteral("DejaVu Serif"), 24, 0xFF, true};
+    editor.AddText(TextAttributes{QStringLiteral("First")});
+    TextAttributes styled{QStringLiteral("First"), QStringLiteral("DejaVu Serif"), 24, 0xFF, true};
     editor.ApplyText(styled);
     // A new text from the surface's menu starts in that style, and the panel hears of it when
     // typing ends.
@@ -194,7 +194,7 @@ TEST_F(CanvasFixture, TheAppliedStyleIsTheNextTextsDefault) {
     ASSERT_EQ(texts.count(), 1);
     styled.caption = QStringLiteral("Second");
     EXPECT_EQ(editor.label(2)->text(), styled);
-    EXPECT_EQ(texts[0][0].value<CanvasText>(), styled);
+    EXPECT_EQ(texts[0][0].value<TextAttributes>(), styled);
 
     // A double click edits a label in place until the next click.
     editor.label(2)->move(10, 70); // off the first
@@ -234,7 +234,8 @@ TEST_F(CanvasFixture, RenderingDrawsBackgroundThenObjectsBackToFrontWithoutHandl
     CanvasPicture* lower = addPicture(1);
     CanvasPicture* upper = addPicture(2);
     upper->move(30, 25);
-    editor.AddText(CanvasText{QStringLiteral("Hi"), QStringLiteral("DejaVu Sans"), 18, 0xFF0000});
+    editor.AddText(
+        TextAttributes{QStringLiteral("Hi"), QStringLiteral("DejaVu Sans"), 18, 0xFF0000});
     CanvasLabel* text = editor.label(1);
     text->move(20, 40);
     ASSERT_FALSE(editor.handle(0)->isHidden());
@@ -278,7 +279,7 @@ TEST(CanvasStore, ASavedSlideOpensWithTheSameObjectsAndPicture) {
     EXPECT_EQ(changes.count(), 0);
     ASSERT_TRUE(editor.AddBackgroundImage(backFile));
     ASSERT_TRUE(editor.AddImage(pictureFile, QStringLiteral("flower.bmp")));
-    editor.AddText(CanvasText{QStringLiteral("Hello"), QStringLiteral("DejaVu Sans"), 12});
+    editor.AddText(TextAttributes{QStringLiteral("Hello"), QStringLiteral("DejaVu Sans"), 12});
     editor.label(1)->move(5, 80);
     editor.SaveDrawObjects(slide->DrawObjects());
     slide->setImage(editor.RenderImage(QSize(160, 120), true));
@@ -363,8 +364,8 @@ TEST_F(CanvasFixture, TheSurfaceOnScreenIsTheRenderedSlide) {
     editor.selected()->move(96, 58);
     ASSERT_TRUE(editor.AddImage(home.file(QStringLiteral("sun.bmp")), QStringLiteral("sun")));
     editor.selected()->move(12, 8);
-    editor.AddText(CanvasText{QStringLiteral("Greetings!"), QStringLiteral("DejaVu Serif"), 15,
-                              0x2020C0, true, true});
+    editor.AddText(TextAttributes{QStringLiteral("Greetings!"), QStringLiteral("DejaVu Serif"), 15,
+                                  0x2020C0, true, true});
     editor.selected()->move(8, 94);
     QObject::connect(&editor, &ctlPictureEditor::CanvasChanged, &preview,
                      [&] { editor.RenderImage(&preview, 1); });
