@@ -6,6 +6,7 @@
 #include "app/modMain.h"
 #include "browse/frmMessageList.h"
 #include "canvas/ctlPictureEditor.h"
+#include "canvas/ctlTextProperties.h"
 #include "config/clsPropertiesXML.h"
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
@@ -131,13 +132,32 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::frm
     });
     connect(ui->ctlVerticalTab1, &ctlVerticalTab::TabClick, this,
             &frmMain::ctlVerticalTab1_TabClick);
-    // The text panel takes TextSelected, ImageSelected, NothingSelected and ColorPicked.
     connect(ui->ctlPictureEditor1, &ctlPictureEditor::CanvasChanged, this,
             &frmMain::ctlPictureEditor1_CanvasChanged);
+    connectTextPanel();
     ui->lblCaption->installEventFilter(this);
     ui->lblMessageTitle->installEventFilter(this);
 
     Form_Load();
+}
+
+// The canvas and the text panel speak to each other through the window.
+void frmMain::connectTextPanel() {
+    ctlPictureEditor* canvas = ui->ctlPictureEditor1;
+    ctlTextProperties* panel = ui->ctlTextProperties1;
+    connect(canvas, &ctlPictureEditor::TextSelected, panel, [panel](const TextAttributes& text) {
+        panel->SetSelection(text);
+        panel->ApplyEnabled(true);
+    });
+    connect(canvas, &ctlPictureEditor::ImageSelected, panel,
+            [panel](int, const QString&) { panel->ApplyEnabled(false); });
+    connect(canvas, &ctlPictureEditor::NothingSelected, panel,
+            [panel] { panel->ApplyEnabled(false); });
+    connect(canvas, &ctlPictureEditor::ColorPicked, panel, &ctlTextProperties::SetTextColor);
+    connect(panel, &ctlTextProperties::AddText, canvas, &ctlPictureEditor::AddText);
+    connect(panel, &ctlTextProperties::Apply, canvas, &ctlPictureEditor::ApplyText);
+    connect(panel, &ctlTextProperties::ColorPicker, canvas, &ctlPictureEditor::EnabledColorPicker);
+    connect(panel, &ctlTextProperties::TextChanged, canvas, &ctlPictureEditor::ChangeText);
 }
 
 frmMain::~frmMain() {
@@ -236,6 +256,7 @@ void frmMain::InitMessageManager() {
 
 void frmMain::InitSkin() {
     placeToolPages();
+    ui->ctlTextProperties1->SetControlBackColor(kToolBackColor, kToolAccentColor);
     mWindowWidth = mDocked ? kWindowWidthDocked : kWindowWidthUndocked;
     mWindowHeight = kWindowHeight;
     ShowTitleBar(this, false);
@@ -323,6 +344,7 @@ void frmMain::placeToolPages() {
 
 void frmMain::InitTools() {
     ui->ctlVerticalTab1->SetTab(pref(QStringLiteral("SelectedTool"), QStringLiteral("0")).toInt());
+    ui->ctlTextProperties1->setCaption(text(QStringLiteral("STR_TEXT_TITLE")));
 }
 
 void frmMain::ctlVerticalTab1_TabClick(int index) {
@@ -471,6 +493,9 @@ void frmMain::TranslateForm() {
         ui->ctlVerticalTab1->TranslateControl(gLocalizer());
     }
     ui->ctlPictureEditor1->TranslateControl();
+    if (gLocalizer())
+        ui->ctlTextProperties1->TranslateControl(gLocalizer());
+    ui->ctlTextProperties1->setCaption(text(QStringLiteral("STR_TEXT_TITLE")));
     const int tool = ui->ctlVerticalTab1->SelectedIndex();
     if (tool >= 0 && tool < int(std::size(kToolTitles)))
         ui->lblToolTitle->setText(text(QString::fromLatin1(kToolTitles[tool])));

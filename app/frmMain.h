@@ -97,6 +97,7 @@ private:
     void TimerRecovery_Timer();
     void WriteRecoveryCopy();
     void OfferRecoveryCopy();
+    void connectTextPanel();
     // Makes `message` the current one, shown from its first slide.
     void ShowMessage(std::shared_ptr<clsMessage> message, bool changed);
     void ShowSaveError();

@@ -1,6 +1,7 @@
 #include "app/frmMain.h"
 #include "app/modMain.h"
 #include "canvas/ctlPictureEditor.h"
+#include "canvas/ctlTextProperties.h"
 #include "config/clsPropertiesXML.h"
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
@@ -12,7 +13,9 @@
 #include "support/ScriptedResponder.h"
 #include "support/TestHome.h"
 
+#include <QAbstractButton>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QScopeGuard>
 #include <QTest>
@@ -78,4 +81,24 @@ TEST(CanvasInMainWindow, AComposedSlideIsPreviewedSavedAndOpenedAgain) {
     EXPECT_EQ(canvas->imageCount(), 1);
     EXPECT_EQ(preview->pixmap().toImage().convertToFormat(QImage::Format_RGB32), composed);
     EXPECT_FALSE(window->changed()) << "opening is no change";
+
+    // The text panel adds its text to the canvas; a click on the bare surface leaves the panel
+    // nothing to apply to, and a click on a text shows that text in the panel.
+    auto* panel = window->findChild<ctlTextProperties*>(QStringLiteral("ctlTextProperties1"));
+    ASSERT_TRUE(panel);
+    auto* box = panel->findChild<QPlainTextEdit*>(QStringLiteral("txtObject"));
+    box->setPlainText(QStringLiteral("Hello"));
+    QTest::mouseClick(panel->findChild<QAbstractButton*>(QStringLiteral("bAdd")), Qt::LeftButton);
+    ASSERT_EQ(canvas->textCount(), 1);
+    QWidget* hello = canvas->selected();
+    ASSERT_TRUE(hello);
+    // The first left click after the menu's right clicks is swallowed; the second is heard.
+    QTest::mouseClick(canvas->surface(), Qt::LeftButton, {}, {150, 5});
+    QTest::mouseClick(canvas->surface(), Qt::LeftButton, {}, {150, 5});
+    EXPECT_EQ(canvas->selected(), nullptr);
+    EXPECT_FALSE(panel->IsApplyEnabled());
+    box->setPlainText(QStringLiteral("Typed with nothing selected"));
+    QTest::mouseClick(canvas->surface(), Qt::LeftButton, {}, hello->geometry().center());
+    EXPECT_TRUE(panel->IsApplyEnabled());
+    EXPECT_EQ(panel->Text(), QStringLiteral("Hello"));
 }
