@@ -1161,15 +1161,17 @@ int ctlPictureEditor::ShowMenu(const QStringList& captions) {
     return popup.PopupString(menu);
 }
 
-void ctlPictureEditor::ShowImageMenu() {
+// The menu of a picture or of a text: duplicating and deleting are the kind's own.
+void ctlPictureEditor::ShowObjectMenu(void (ctlPictureEditor::*duplicate)(),
+                                      void (ctlPictureEditor::*remove)(int)) {
     QWidget* object = mSelected;
     switch (ShowMenu({mMenuTexts[Duplicate], mMenuTexts[Delete], mMenuTexts[BringToFrontCaption],
                       mMenuTexts[SendToBackCaption]})) {
     case 1:
-        DuplicateImage();
+        (this->*duplicate)();
         break;
     case 2:
-        DelPicture(slotIndex(object));
+        (this->*remove)(slotIndex(object));
         break;
     case 3:
         BringToFront(object);
@@ -1182,25 +1184,12 @@ void ctlPictureEditor::ShowImageMenu() {
     }
 }
 
+void ctlPictureEditor::ShowImageMenu() {
+    ShowObjectMenu(&ctlPictureEditor::DuplicateImage, &ctlPictureEditor::DelPicture);
+}
+
 void ctlPictureEditor::ShowTextMenu() {
-    QWidget* object = mSelected;
-    switch (ShowMenu({mMenuTexts[Duplicate], mMenuTexts[Delete], mMenuTexts[BringToFrontCaption],
-                      mMenuTexts[SendToBackCaption]})) {
-    case 1:
-        DuplicateText();
-        break;
-    case 2:
-        DelText(slotIndex(object));
-        break;
-    case 3:
-        BringToFront(object);
-        break;
-    case 4:
-        SendToBack(object);
-        break;
-    default:
-        break;
-    }
+    ShowObjectMenu(&ctlPictureEditor::DuplicateText, &ctlPictureEditor::DelText);
 }
 
 void ctlPictureEditor::ShowCanvasMenu() {

@@ -176,6 +176,8 @@ private:
 
     // Menus.
     int ShowMenu(const QStringList& captions);
+    void ShowObjectMenu(void (ctlPictureEditor::*duplicate)(),
+                        void (ctlPictureEditor::*remove)(int));
     void ShowImageMenu();
     void ShowTextMenu();
     void ShowCanvasMenu();
