@@ -660,13 +660,17 @@ void ctlPictureEditor::BrowseAddPicture() {
 }
 
 void ctlPictureEditor::DelPicture(int index) {
-    CanvasPicture* object = image(index);
+    removeObject(image(index), mImageCount);
+}
+
+// Hides a shown object for good (its slot waits for reuse) and counts it out of `count`.
+void ctlPictureEditor::removeObject(QWidget* object, int& count) {
     if (!object || object->isHidden())
         return;
     endEditIfOn();
     object->hide();
-    if (mImageCount > 0)
-        --mImageCount;
+    if (count > 0)
+        --count;
     HideNodes();
     mSelected = nullptr;
     changed();
@@ -722,16 +726,7 @@ void ctlPictureEditor::ChangeText(const QString& caption) {
 }
 
 void ctlPictureEditor::DelText(int index) {
-    CanvasLabel* object = label(index);
-    if (!object || object->isHidden())
-        return;
-    endEditIfOn();
-    object->hide();
-    if (mTextCount > 0)
-        --mTextCount;
-    HideNodes();
-    mSelected = nullptr;
-    changed();
+    removeObject(label(index), mTextCount);
 }
 
 void ctlPictureEditor::DuplicateImage() {

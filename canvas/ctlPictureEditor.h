@@ -178,6 +178,7 @@ private:
     int ShowMenu(const QStringList& captions);
     void ShowObjectMenu(void (ctlPictureEditor::*duplicate)(),
                         void (ctlPictureEditor::*remove)(int));
+    void removeObject(QWidget* object, int& count);
     void ShowImageMenu();
     void ShowTextMenu();
     void ShowCanvasMenu();
