@@ -6,9 +6,15 @@ packages=(
   # build
   cmake ninja-build g++ pkg-config clang-format
   qt6-base-dev libpugixml-dev libfreeimage-dev libjpeg62-turbo-dev libgif-dev
+  # sound: devices, sound files, MIDI with a General MIDI soundfont
+  libsdl2-dev libsndfile1-dev libfluidsynth-dev timgm6mb-soundfont
+  # publishing: AMR-NB, resampling, tar
+  libopencore-amrnb-dev libsoxr-dev libarchive-dev
   # tests and benchmarks
   googletest libgtest-dev libgmock-dev libbenchmark-dev python3
   giflib-tools libjpeg-turbo-progs
+  # independent checks of sound, packages and the session bus of the phone transports
+  ffmpeg sox libsox-fmt-all dbus-daemon dbus python3-dbusmock
   # checking the installed desktop entry
   desktop-file-utils
   # looking at the program under a virtual display
