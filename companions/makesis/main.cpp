@@ -37,7 +37,8 @@ QByteArray readBytes(const QString& path, int line) {
 QString readText(const QString& path) {
     const QByteArray bytes = readBytes(path, 0);
     QStringDecoder decoder(
-        QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8));
+        QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8),
+        QStringConverter::Flag::Stateless);
     const QString text = decoder.decode(bytes);
     if (decoder.hasError())
         throw PkgError(0, QStringLiteral("the description is neither UTF-8 nor UTF-16 text"));
