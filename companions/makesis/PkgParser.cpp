@@ -134,10 +134,11 @@ public:
 
 private:
     static int digitValue(QChar c, int base) {
-        const int value = c.isDigit() ? c.digitValue()
-                          : (c.toLower() >= QLatin1Char('a') && c.toLower() <= QLatin1Char('f'))
-                              ? c.toLower().unicode() - 'a' + 10
-                              : -1;
+        const char16_t u = c.unicode();
+        const int value = (u >= '0' && u <= '9')   ? u - '0'
+                          : (u >= 'a' && u <= 'f') ? u - 'a' + 10
+                          : (u >= 'A' && u <= 'F') ? u - 'A' + 10
+                                                   : -1;
         return value < base ? value : -1;
     }
 

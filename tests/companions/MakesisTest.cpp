@@ -26,16 +26,22 @@ Outcome makesis(const QStringList& arguments, const QString& folder) {
 // The package the program writes for a message (CRLF lines, absolute sources).
 QByteArray messagePackage(const QString& outputFolder, const QString& message,
                           const QStringList& files) {
-    QByteArray pkg = QStringLiteral("#{\"%1\"},(0x101F8A52),1,0,0,TYPE=SISUPGRADE\r\n"
-                                    "(0x101F8A52),1,0,0,{\"CopyOnlyStub\"}\r\n"
-                                    "(0x101F80BE), 1, 0, 0, {\"NorvaneQ50xPlatformProductID\"}\r\n")
-                         .arg(message)
-                         .toUtf8();
+    QString pkg = QStringLiteral("#{\"%1\"},(0x101F8A52),1,0,0,TYPE=SISUPGRADE\r\n"
+                                 "(0x101F8A52),1,0,0,{\"CopyOnlyStub\"}\r\n"
+                                 "(0x101F80BE), 1, 0, 0, {\"NorvaneQ50xPlatformProductID\"}\r\n")
+                      .arg(message);
     for (const QString& file : files)
         pkg += QStringLiteral("\"%1%2\"-\"!:\\documents\\MMS\\Templates\\%3\\%2\"\r\n")
-                   .arg(outputFolder, file, message)
-                   .toUtf8();
-    return pkg;
+                   .arg(outputFolder, file, message);
+    return pkg.toUtf8();
+}
+
+QStringList requisitesOf(const SisRead& sis) {
+    QStringList list;
+    for (const SisRead::Requisite& r : sis.requisites)
+        list << QString::asprintf("%x %u.%u.%u ", r.uid, r.major, r.minor, r.variant) +
+                    r.names.join(QLatin1Char('|'));
+    return list;
 }
 
 } // namespace
@@ -61,25 +67,19 @@ TEST(Makesis, MessagePackageReadsBackWithEveryFile) {
     const QByteArray bytes = home.read(QStringLiteral("Messages/Café trip/mms/mms.sis"));
     const SisRead sis = readSis(bytes);
 
-    EXPECT_EQ(sis.uid[0], 0x101F8A52u);
-    EXPECT_EQ(sis.uid[1], 0x10003A12u);
-    EXPECT_EQ(sis.uid[2], 0x10000419u);
+    EXPECT_EQ(std::vector(sis.uid, sis.uid + 4),
+              (std::vector<std::uint32_t>{0x101F8A52, 0x10003A12, 0x10000419, 0x8FACD553}));
     EXPECT_EQ(sis.uid[3], sis.uid4Expected);
-    EXPECT_EQ(sis.uid[3], 0x8FACD553u);
     EXPECT_EQ(sis.checksum, sis.checksumExpected);
+    // SISUPGRADE 1.0.0 for the installer of release 6, drive chosen at installation, names in
+    // UTF-16, contents compressed.
+    EXPECT_EQ(std::tuple(sis.type, sis.major, sis.minor, sis.variant, sis.installerVersion,
+                         sis.drive, sis.options),
+              std::tuple(5, 1, 0, 0u, 200u, '!', 0x1));
     EXPECT_EQ(sis.languages, QList<std::uint16_t>{1});
     EXPECT_EQ(sis.names, QStringList{QStringLiteral("Café trip")});
-    EXPECT_EQ(sis.type, 5);      // SISUPGRADE
-    EXPECT_EQ(sis.options, 0x1); // names in UTF-16, contents compressed
-    EXPECT_EQ(sis.major * 100 + sis.minor, 100);
-    EXPECT_EQ(sis.installerVersion, 200u);
-    EXPECT_EQ(sis.drive, '!');
-    ASSERT_EQ(sis.requisites.size(), 2);
-    EXPECT_EQ(sis.requisites[0].uid, 0x101F8A52u);
-    EXPECT_EQ(sis.requisites[0].names, QStringList{QStringLiteral("CopyOnlyStub")});
-    EXPECT_EQ(sis.requisites[1].uid, 0x101F80BEu);
-    EXPECT_EQ(sis.requisites[1].major, 1);
-    EXPECT_EQ(sis.requisites[1].names, QStringList{QStringLiteral("NorvaneQ50xPlatformProductID")});
+    EXPECT_EQ(requisitesOf(sis), (QStringList{"101f8a52 1.0.0 CopyOnlyStub",
+                                              "101f80be 1.0.0 NorvaneQ50xPlatformProductID"}));
     ASSERT_EQ(sis.files.size(), files.size());
     for (int i = 0; i < files.size(); ++i) {
         SCOPED_TRACE(files[i].first.toStdString());
@@ -110,18 +110,11 @@ TEST(Makesis, LanguagesRelativeSourcesUncompressedAndNamedOutput) {
     EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("pkg/two.sis"))));
     const SisRead sis = readSis(home.read(QStringLiteral("out.sis")));
     EXPECT_EQ(sis.checksum, sis.checksumExpected);
-    EXPECT_EQ(sis.uid[0], 0x10000001u);
+    EXPECT_EQ(std::tuple(sis.uid[0], sis.type, sis.major, sis.minor, sis.variant, sis.options),
+              std::tuple(0x10000001u, 0, 2, 3, 4u, 0x9));
     EXPECT_EQ(sis.languages, (QList<std::uint16_t>{1, 2}));
     EXPECT_EQ(sis.names, (QStringList{QStringLiteral("Say \"hi\""), QStringLiteral("Salut")}));
-    EXPECT_EQ(sis.type, 0);
-    EXPECT_EQ(sis.options, 0x9);
-    EXPECT_EQ(std::tuple(sis.major, sis.minor, sis.variant), std::tuple(2, 3, 4u));
-    ASSERT_EQ(sis.requisites.size(), 1);
-    EXPECT_EQ(
-        std::tuple(sis.requisites[0].major, sis.requisites[0].minor, sis.requisites[0].variant),
-        std::tuple(5, 6, 7u));
-    EXPECT_EQ(sis.requisites[0].names,
-              (QStringList{QStringLiteral("Base"), QStringLiteral("Socle")}));
+    EXPECT_EQ(requisitesOf(sis), QStringList{"10000002 5.6.7 Base|Socle"});
     ASSERT_EQ(sis.files.size(), 1);
     EXPECT_EQ(sis.files[0].source, home.file(QStringLiteral("pkg/media/a b.gif")));
     EXPECT_EQ(sis.files[0].target, QStringLiteral("c:\\x\\a b.gif"));
@@ -142,7 +135,6 @@ TEST(Makesis, BadDescriptionNamesLineAndReasonAndWritesNothing) {
         {"#{\"M},(0x1),1,0,0\n", "mms.pkg:1: the package name has no closing double quote"},
         {"#{\"M\",\"N\"},(0x1),1,0,0\n", "mms.pkg:1: 2 names are given for 1 languages"},
         {"#{\"M\"},(0x1),70000,0,0\n", "mms.pkg:1: the major version 70000 is too large"},
-        {"#{\"M\"},(0x1),1,0,0,TYPE=SISFOO\n", "mms.pkg:1: unknown package type \"SISFOO\""},
         {"&EN,XX\n", "mms.pkg:1: unknown language \"XX\""},
         {QByteArray(header) + "\"present.txt\"-\"documents\\p.txt\"\n",
          "mms.pkg:2: the target \"documents\\p.txt\" must be a file on a drive"},
@@ -152,8 +144,6 @@ TEST(Makesis, BadDescriptionNamesLineAndReasonAndWritesNothing) {
         {QByteArray(header) + "%{\"Vendor\"}\n", "mms.pkg:2: this kind of line is not supported"},
         {QByteArray(header) + "\"present.txt\"-\"!:\\a\\p.txt\" x\n",
          "mms.pkg:2: unexpected \"x\""},
-        {QByteArray(header) + "\"present.txt\"-\"!:\\a\\p.txt\",FT\n",
-         "mms.pkg:2: the file option \"FT\" is not supported"},
         {QByteArray("#{\"\xc3\x28\"}"), "mms.pkg: the description is neither UTF-8 nor UTF-16"},
     };
     for (const auto& c : cases) {
