@@ -171,7 +171,7 @@ public:
             reader.fail(
                 QStringLiteral("this kind of line is not supported: %1").arg(reader.rest()));
         reader.expectEnd();
-        mStatements++;
+        ++mStatements;
     }
 
     PackageDescription finish() {

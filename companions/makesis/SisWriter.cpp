@@ -131,12 +131,8 @@ public:
         writeHeader();
         writeRecords();
         writeResources();
-        QByteArray& bytes = mOut.result();
-        const std::uint16_t checksum = crc16(QByteArrayView(bytes).sliced(kChecksumOffset + 2),
-                                             crc16(QByteArrayView(bytes).first(kChecksumOffset)));
-        bytes[kChecksumOffset] = static_cast<char>(checksum & 0xff);
-        bytes[kChecksumOffset + 1] = static_cast<char>(checksum >> 8);
-        return bytes;
+        fillInChecksum(mOut.result());
+        return mOut.result();
     }
 
 private:
@@ -246,6 +242,15 @@ private:
             mOut.bytes(name);
         for (const StoredFile& file : mFiles)
             mOut.bytes(file.data);
+    }
+
+    // The CRC of everything but the checksum's own two bytes.
+    static void fillInChecksum(QByteArray& bytes) {
+        const QByteArrayView all(bytes);
+        const std::uint16_t checksum =
+            crc16(all.sliced(kChecksumOffset + 2), crc16(all.first(kChecksumOffset)));
+        bytes[kChecksumOffset] = static_cast<char>(checksum & 0xff);
+        bytes[kChecksumOffset + 1] = static_cast<char>(checksum >> 8);
     }
 
     const PackageDescription& mPkg;
