@@ -95,14 +95,14 @@ TEST(Makesis, MessagePackageReadsBackWithEveryFile) {
     EXPECT_NE(readSis(damaged).checksum, readSis(damaged).checksumExpected);
 }
 
-TEST(Makesis, LanguagesRelativeSourcesUncompressedAndNamedOutput) {
+TEST(Makesis, LanguagesWindowsStyleSourceUncompressedAndNamedOutput) {
     TestHome home;
     home.write(QStringLiteral("pkg/media/a b.gif"), QByteArray("GIF89a"));
     home.write(QStringLiteral("pkg/two.pkg"),
                "; two languages\n&EN,FR\n"
                "#{\"Say \"\"hi\"\"\",\"Salut\"},(0x10000001),2,3,4,NOCOMPRESS ; trailing\n"
                "(0x10000002),5,6,7,{\"Base\",\"Socle\"}\n"
-               "\n\"media/a b.gif\" - \"c:\\x\\a b.gif\",FF\n");
+               "\n\"media\\a b.gif\" - \"c:\\x\\a b.gif\",FF\n");
 
     const Outcome run =
         makesis({QStringLiteral("pkg/two.pkg"), QStringLiteral("out.sis")}, home.path());
