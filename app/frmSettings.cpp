@@ -255,6 +255,7 @@ void frmSettings::LoadTimeFormat() {
 }
 
 QStringList frmSettings::GetInstalledLanguages() {
+    const QString chosen = chosenValue(ui->ComboLanguage);
     ui->ComboLanguage->clear();
     QStringList codes;
     clsXMLocalizer* localizer = gLocalizer();
@@ -275,6 +276,7 @@ QStringList frmSettings::GetInstalledLanguages() {
         ui->ComboLanguage->addItem(name.isEmpty() ? code : name, code);
         codes << code;
     }
+    selectEntry(ui->ComboLanguage, chosen);
     return codes;
 }
 
