@@ -169,7 +169,7 @@ void frmSettings::styleWindow() {
         "QWidget#picTabBottom { background: white; }"
         "QLabel#lblTimeFormat, QLabel#lblImageFormat, QLabel#lblDockState, QLabel#lblLanguage"
         " { font-weight: bold; color: #1d2b4a; padding-top: 6px; }"
-        "QLabel#lblCommunication { color: #5a6578; }"
+        "QLabel#lblCommunication, QLabel#lblLanguageInfo { color: #5a6578; }"
         "QGroupBox#FrameCommunication { font-weight: bold; color: #1d2b4a; }"
         "QGroupBox#FrameCommunication > QRadioButton { font-weight: normal; }"
         "QGroupBox#FrameCommunication > QLabel { font-weight: normal; }"));
