@@ -127,20 +127,6 @@ void frmSettings::nameControlArrays() {
     mDockState = group({ui->ctlDockState0, ui->ctlDockState1, ui->ctlDockState2});
     mCommunication = group({ui->chkCommunication0, ui->chkCommunication1, ui->chkCommunication2,
                             ui->chkCommunication3});
-    auto* tabs = new QButtonGroup(this);
-    for (int i = 0; i < mTabs.size(); ++i)
-        tabs->addButton(mTabs[i], i);
-    connect(tabs, &QButtonGroup::idClicked, this, &frmSettings::tabCaption_Click);
-    // Ctrl+Tab and Ctrl+Shift+Tab go through the pages, as in any tabbed dialog.
-    const auto step = [this](int by) {
-        return [this, by] {
-            tabCaption_Click((currentPage() + by + int(mTabs.size())) % int(mTabs.size()));
-        };
-    };
-    connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Tab), this), &QShortcut::activated, this,
-            step(1));
-    connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab), this),
-            &QShortcut::activated, this, step(-1));
 }
 
 void frmSettings::styleWindow() {
@@ -177,6 +163,20 @@ void frmSettings::styleWindow() {
 }
 
 void frmSettings::connectControls() {
+    auto* tabs = new QButtonGroup(this);
+    for (int i = 0; i < mTabs.size(); ++i)
+        tabs->addButton(mTabs[i], i);
+    connect(tabs, &QButtonGroup::idClicked, this, &frmSettings::tabCaption_Click);
+    // Ctrl+Tab and Ctrl+Shift+Tab go through the pages, as in any tabbed dialog.
+    const auto step = [this](int by) {
+        return [this, by] {
+            tabCaption_Click((currentPage() + by + int(mTabs.size())) % int(mTabs.size()));
+        };
+    };
+    connect(new QShortcut(QKeySequence(QKeySequence::NextChild), this), &QShortcut::activated, this,
+            step(1));
+    connect(new QShortcut(QKeySequence(QKeySequence::PreviousChild), this), &QShortcut::activated,
+            this, step(-1));
     for (QCheckBox* box : {ui->chkAskNewSlide, ui->chkAskDeleteSlide, ui->chkShowSplash,
                            ui->chkPreviewPlayer, ui->chkBlinkPhoneConnect, ui->chkExtendedBrowser})
         connect(box, &QCheckBox::clicked, this, &frmSettings::OptionClick);
