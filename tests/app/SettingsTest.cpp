@@ -88,7 +88,10 @@ void choose(QWidget* window, const QString& comboName, const QString& value) {
 } // namespace
 
 TEST_F(Settings, CancelAfterApplyKeepsTheAppliedValues) {
+    set(u"preferences"_s, u"MMSTimeFormat"_s, u"s"_s); // seconds are not allowed here
     frmSettings window;
+    EXPECT_TRUE(control<QAbstractButton>(&window, u"chkTimeFormat"_s, 0)->isChecked());
+    EXPECT_FALSE(control<QAbstractButton>(&window, u"chkTimeFormat"_s, 1)->isEnabled());
     QSignalSpy applied(&window, &frmSettings::Apply), cancelled(&window, &frmSettings::Cancel);
     auto* ask = control<QAbstractButton>(&window, u"chkAskNewSlide"_s);
     auto* apply = control<QAbstractButton>(&window, u"cmdApply"_s);
@@ -108,6 +111,7 @@ TEST_F(Settings, CancelAfterApplyKeepsTheAppliedValues) {
     EXPECT_EQ(cancelled.size(), 1);
     EXPECT_EQ(get(u"preferences"_s, u"AskNewSlide"_s, u"1"_s), u"0"_s);
     EXPECT_EQ(get(u"preferences"_s, u"ShowSplash"_s, u"1"_s), u"1"_s);
+    EXPECT_EQ(get(u"preferences"_s, u"MMSTimeFormat"_s, u"ms"_s), u"ms"_s);
 }
 
 TEST_F(Settings, OnlyInstalledLanguagesAreOffered) {
@@ -130,6 +134,12 @@ TEST_F(Settings, UnsupportedCommunicationOptionsAreNotOnViewAndAChangeWaitsForAR
     frmSettings window;
     window.show();
     window.tabCaption_Click(frmSettings::Communication);
+    // The strip that joins the tab to its page lies under the tab.
+    const QRect tab = control<QWidget>(&window, u"tabCaption"_s, 3)->geometry();
+    const QRect strip = control<QWidget>(&window, u"picTabBottom"_s)->geometry();
+    EXPECT_TRUE(tab.left() < strip.left() && strip.right() < tab.right() &&
+                strip.top() >= tab.bottom())
+        << strip.x() << " in " << tab.x() << "+" << tab.width();
     const auto shown = [&](const char* name, int index) {
         return control<QWidget>(&window, QString::fromLatin1(name), index)->isVisible();
     };
@@ -218,6 +228,7 @@ TEST_F(Settings, EveryPreferenceWrittenIsReadBackByItsReader) {
         ASSERT_TRUE(window && window->isVisible());
         for (const Row& row : rows)
             row.choice(window);
+        EXPECT_EQ(control<QWidget>(window, u"picTextColor"_s)->toolTip(), u"RGB(255,0,0)"_s);
         control<QAbstractButton>(window, u"cmdOk"_s)->click();
     });
     main->ctlMainMenu1_MenuClick(MenuKey::FileSettings);
