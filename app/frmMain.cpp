@@ -538,8 +538,7 @@ void frmMain::mfrmSettings_Apply(bool changed) {
 }
 
 void frmMain::mfrmSettings_Ok(bool changed) {
-    if (changed)
-        ApplySettings();
+    mfrmSettings_Apply(changed);
 }
 
 void frmMain::MMSCommunication_Connect(bool connected, int connectionType, const QString& name) {

@@ -14,7 +14,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QMetaMethod>
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
@@ -238,7 +237,8 @@ bool hasOwnTranslation(const QWidget* window) {
     return window->metaObject()->indexOfMethod("TranslateForm()") >= 0;
 }
 
-// The pieces inside `window` that a hidden window has lent it.
+// The pieces inside `window` that another window has lent it (the translation walk of `window`
+// passes them over).
 QList<QWidget*> lentPieces(QWidget* window) {
     QList<QWidget*> pieces;
     for (QWidget* child : window->findChildren<QWidget*>()) {

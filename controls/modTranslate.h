@@ -21,8 +21,8 @@ bool TranslateForm(QWidget* form);
 // class has an invokable TranslateForm() (declared Q_INVOKABLE or as a slot) runs that, because
 // its translation does more than the walk; any other window of the program's own classes
 // ("frm...") gets the walk above. A hidden window is left alone: it translates itself when it
-// next loads. A piece that a hidden window lends to an open one (a widget with "ownerForm")
-// is translated with it. Last, every open window and all its children receive
+// next loads. A piece that another window lends to an open one (a widget with "ownerForm") is
+// translated with the window it sits in. Last, every open window and all its children receive
 // QEvent::LanguageChange, the hook for widgets that draw their own texts: they redraw them in
 // changeEvent(). Returns the number of windows translated.
 int TranslateOpenWindows();

@@ -16,6 +16,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QPointer>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTimer>
 #include <functional>
@@ -160,8 +161,13 @@ TEST_F(Settings, UnsupportedCommunicationOptionsAreNotOnViewAndAChangeWaitsForAR
 
 TEST_F(Settings, ANewLanguageTranslatesEveryOpenWindowAndTheSameOneNothing) {
     showMain();
-    frmMessageList list; // another open window of the program
+    frmMessageList list, hidden; // another open window of the program, and a hidden one
     list.show();
+    // A piece of the preview window lent to the main window.
+    auto* piece = new QWidget(main);
+    piece->setProperty("ownerForm", u"frmPreview"_s);
+    auto* play = new QPushButton(piece);
+    play->setObjectName(u"cmdPlay"_s);
     Probe probe; // a widget that draws its own texts
     probe.show();
     frmSettings window;
@@ -181,6 +187,9 @@ TEST_F(Settings, ANewLanguageTranslatesEveryOpenWindowAndTheSameOneNothing) {
     EXPECT_EQ(totalTime(), gLocalizer()->GetFormText(u"frmMain_lblTotalTimeDesc__caption"_s));
     EXPECT_NE(totalTime(), u"Total time:"_s);
     EXPECT_EQ(list.windowTitle(), gLocalizer()->GetFormText(u"frmMessageList_caption"_s));
+    EXPECT_EQ(hidden.windowTitle(), u"Messages"_s) << "it translates itself when it loads";
+    EXPECT_EQ(play->toolTip(), gLocalizer()->GetFormText(u"frmPreview_cmdPlay__text"_s));
+    EXPECT_FALSE(play->toolTip().isEmpty());
     EXPECT_EQ(control<QAbstractButton>(&window, u"tabCaption"_s, 0)->text(), u"Allgemein"_s);
     EXPECT_EQ(window.oldLanguage(), u"de-de"_s);
 }
