@@ -3,6 +3,7 @@
 #include "ui_frmMain.h"
 
 #include "app/TerminationSignals.h"
+#include "app/frmSettings.h"
 #include "app/modMain.h"
 #include "browse/frmMessageList.h"
 #include "canvas/ctlPictureEditor.h"
@@ -38,6 +39,7 @@
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QTimer>
 
 namespace {
@@ -519,6 +521,26 @@ void frmMain::ApplySettings() {
     InitSkin();
 }
 
+void frmMain::ShowSettings() {
+    // On the heap: a window that goes while the dialog is open takes the dialog with it.
+    QPointer<frmSettings> settings = new frmSettings(this);
+    mFrmSettings = settings;
+    connect(settings, &frmSettings::Apply, this, &frmMain::mfrmSettings_Apply);
+    connect(settings, &frmSettings::Ok, this, &frmMain::mfrmSettings_Ok);
+    settings->exec();
+    delete settings.data();
+    mFrmSettings = nullptr;
+}
+
+void frmMain::mfrmSettings_Apply(bool changed) {
+    if (changed)
+        ApplySettings();
+}
+
+void frmMain::mfrmSettings_Ok(bool changed) {
+    mfrmSettings_Apply(changed);
+}
+
 void frmMain::MMSCommunication_Connect(bool connected, int connectionType, const QString& name) {
     const bool blink = pref(QStringLiteral("BlinkLed"), QStringLiteral("1")) == QLatin1String("1");
     if (!connected) {
@@ -560,6 +582,9 @@ void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
     case MenuKey::FileDelete:
         ShowDeleteDialog();
         break;
+    case MenuKey::FileSettings:
+        ShowSettings();
+        break;
     case MenuKey::FileSaveAsTemplate:
     case MenuKey::FileSaveAsSis:
     case MenuKey::FileOpenTemplate:
@@ -580,7 +605,7 @@ void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
         break;
     }
     default:
-        // Settings, the slide commands beyond adding and the preview come with their windows.
+        // The slide commands beyond adding and the preview come with their windows.
         break;
     }
 }

@@ -10,6 +10,7 @@ class clsMMSManager;
 class clsMessage;
 class clsSlide;
 class frmMessageList;
+class frmSettings;
 namespace Ui {
 class frmMain;
 }
@@ -29,7 +30,7 @@ public:
     ~frmMain() override;
 
     // Translates the window; a language change never marks the document changed.
-    void TranslateForm();
+    Q_INVOKABLE void TranslateForm();
 
     // The window's state, for the windows that work with it.
     clsMessage* message() const { return mMessage.get(); }
@@ -59,6 +60,11 @@ public:
     void ShowDeleteDialog();
     void mFrmOpen_SelectedMessage(int mode, const QString& name);
     void ApplySettings();
+    // The Settings command: the settings window, shown modal, exists only while it is open.
+    void ShowSettings();
+    frmSettings* settingsWindow() const { return mFrmSettings; }
+    void mfrmSettings_Apply(bool changed);
+    void mfrmSettings_Ok(bool changed);
     void MMSCommunication_Connect(bool connected, int connectionType, const QString& name);
     // The system ends the program: it ends as Exit does, without asking; a changed message is
     // kept as the recovery copy and the preferences are saved.
@@ -125,6 +131,7 @@ private:
     bool mDocked = false;
     std::unique_ptr<clsMMSManager> mMMSManager;
     frmMessageList* mFrmOpen = nullptr;
+    frmSettings* mFrmSettings = nullptr;
     QTimer* mTimerExitWait = nullptr;
     QTimer* mTimerRecovery = nullptr;
 };

@@ -7,12 +7,14 @@
 #include <QAbstractScrollArea>
 #include <QAbstractSpinBox>
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
@@ -227,6 +229,62 @@ bool TranslateForm(clsXMLocalizer& localizer, QWidget* form) {
 bool TranslateForm(QWidget* form) {
     clsXMLocalizer* localizer = gLocalizer();
     return localizer && TranslateForm(*localizer, form);
+}
+
+namespace {
+
+bool hasOwnTranslation(const QWidget* window) {
+    return window->metaObject()->indexOfMethod("TranslateForm()") >= 0;
+}
+
+// The pieces inside `window` that another window has lent it (the translation walk of `window`
+// passes them over).
+QList<QWidget*> lentPieces(QWidget* window) {
+    QList<QWidget*> pieces;
+    for (QWidget* child : window->findChildren<QWidget*>()) {
+        const QString owner = child->property("ownerForm").toString();
+        if (owner.isEmpty())
+            continue;
+        QWidget* parent = child->parentWidget();
+        if (parent && parent->property("ownerForm").toString() == owner)
+            continue; // the piece's own children go with it
+        pieces << child;
+    }
+    return pieces;
+}
+
+// One open window in the language in use.
+bool translateWindow(QWidget* window) {
+    if (hasOwnTranslation(window))
+        return QMetaObject::invokeMethod(window, "TranslateForm", Qt::DirectConnection);
+    if (!classNameOf(window).startsWith(QLatin1String("frm")))
+        return false;
+    return TranslateForm(window);
+}
+
+} // namespace
+
+int TranslateOpenWindows() {
+    QList<QPointer<QWidget>> windows;
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (window->windowType() != Qt::Desktop && window->isVisible())
+            windows << window;
+    int translated = 0;
+    for (const QPointer<QWidget>& window : windows) {
+        if (!window || !translateWindow(window))
+            continue;
+        ++translated;
+        if (window)
+            for (QWidget* piece : lentPieces(window))
+                TranslateForm(piece);
+    }
+    for (const QPointer<QWidget>& window : windows) {
+        if (!window)
+            continue;
+        QEvent change(QEvent::LanguageChange);
+        QCoreApplication::sendEvent(window, &change);
+    }
+    return translated;
 }
 
 void ChangeCharSetUsrCtrl(clsXMLocalizer& localizer, const QList<QWidget*>& controls) {

@@ -17,6 +17,16 @@ bool TranslateForm(clsXMLocalizer& localizer, QWidget* form);
 // The same with the shared localiser; false when there is none.
 bool TranslateForm(QWidget* form);
 
+// Translates every open window at once, after a change of the language in use. A window whose
+// class has an invokable TranslateForm() (declared Q_INVOKABLE or as a slot) runs that, because
+// its translation does more than the walk; any other window of the program's own classes
+// ("frm...") gets the walk above. A hidden window is left alone: it translates itself when it
+// next loads. A piece that another window lends to an open one (a widget with "ownerForm") is
+// translated with the window it sits in. Last, every open window and all its children receive
+// QEvent::LanguageChange, the hook for widgets that draw their own texts: they redraw them in
+// changeEvent(). Returns the number of windows translated.
+int TranslateOpenWindows();
+
 // Fits the fonts of a custom control's own controls to the locale's code page, as TranslateForm
 // does for a window's controls.
 void ChangeCharSetUsrCtrl(clsXMLocalizer& localizer, const QList<QWidget*>& controls);

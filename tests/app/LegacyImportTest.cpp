@@ -36,7 +36,7 @@ TEST_F(LegacyImport, LanguageIdsInEitherFormAndTheirFallbacks) {
         {"1031", "de-de"},  {"H0407", "de-de"}, {"1033", "en-us"},
         {"H0409", "en-us"}, {"H7777", "en-us"}, // no langid entry
         {"1046", "pt"},                         // only the base language is known
-        {"H040C", "en-us"},                     // neither fr-fr nor fr
+        {"H040C", "fr-fr"}, {"H0C0A", "en-us"}, // neither es-es nor es
     };
     for (const auto& [id, language] : cases)
         EXPECT_EQ(importedLanguage(id), QString::fromLatin1(language)) << id;

@@ -132,7 +132,7 @@ TEST(ShippedLanguages, TheSystemsOwnTextsStandAsTheyAre) {
         {"frmSettings_chkShowSplash__caption", "Show splash screen at program start"},
         {"frmSettings_ctlDockState_2_caption", "Remember last docking state"},
         {"frmSettings_chkTimeFormat_1_caption", "Seconds"},
-        {"frmSettings_chkCommunication_3_caption", "Use Q500/Q600 file manager"},
+        {"frmSettings_chkCommunication_0_caption", "Disable phone communication"},
         {"frmDownloadImage_optImageFmt_0_caption", "Download as JPG"},
         {"frmDownloadImage_lblCaption__caption", "Download picture to phone"},
         {"frmMain_lblTotalTimeDesc__caption", "Total time:"}};
