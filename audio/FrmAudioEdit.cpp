@@ -51,6 +51,7 @@ FrmAudioEdit::FrmAudioEdit(ctlAudioRecorder* panel, QWidget* owner)
     ui->setupUi(this);
     setFixedSize(size());
     paint(ui->Picture1, QPalette::Window, QColor(0xef, 0xf2, 0xf8));
+    paint(ui->Picture1, QPalette::WindowText, QColor(0x1d, 0x2b, 0x4a));
     paint(ui->lblCaption, QPalette::Window, QColor(0x1d, 0x2b, 0x4a));
     paint(ui->lblCaption, QPalette::WindowText, Qt::white);
     QFont bold = ui->lblCaption->font();
@@ -71,6 +72,9 @@ FrmAudioEdit::FrmAudioEdit(ctlAudioRecorder* panel, QWidget* owner)
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &FrmAudioEdit::cmdClose_Click);
     ui->lblCaption->installEventFilter(this);
     TranslateForm();
+    // It opens over the middle of its owner.
+    if (owner)
+        move(owner->window()->geometry().center() - rect().center());
 }
 
 FrmAudioEdit::~FrmAudioEdit() = default;
