@@ -406,7 +406,9 @@ void ctlAudioRecorder::cmdFile_Click() {
     clsMCIManager* manager = gMCIManager();
     if (!manager)
         return;
-    manager->browseOpenFileAlias(kPlayer, filter, 1, localText(QStringLiteral("STR_LOAD_AUDIO")),
+    QString pairs = filter;
+    pairs.replace(QLatin1Char('|'), QChar(0)); // the dialog takes its pairs apart at NUL
+    manager->browseOpenFileAlias(kPlayer, pairs, 1, localText(QStringLiteral("STR_LOAD_AUDIO")),
                                  this, QString(), true);
     const QString path = manager->mciFileName();
     if (path.isEmpty())

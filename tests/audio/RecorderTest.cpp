@@ -1,4 +1,5 @@
 #include "audio/FrmAudioEdit.h"
+#include "audio/clsMCIManager.h"
 #include "audio/ctlAudioProgress.h"
 #include "audio/ctlAudioRecorder.h"
 #include "audio/modMCI.h"
@@ -11,6 +12,7 @@
 
 #include <QCheckBox>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -214,6 +216,32 @@ TEST_F(Recorder, MixerIsStartedWithoutAShellOrSaidMissing) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return recorder.cmdSetup()->isEnabled(); }, 5000));
     EXPECT_EQ(home.read(QStringLiteral("args.txt")), QByteArray("--tab=4"));
     EXPECT_EQ(boxes.boxes.size(), 1u);
+}
+
+TEST_F(Recorder, PlayerPlaysTheWholeSoundOrTheMarkedRange) {
+    const QString wav = home.file(QStringLiteral("long tone.wav"));
+    audiotest::writeFile(wav, audiotest::wavBytes(8000, 16, 1, 24000));
+    setMCIManager(std::make_unique<clsMCIManager>());
+    boxes.openFiles.push_back(wav);
+    recorder.cmdFile()->click();
+    setMCIManager(nullptr);
+    ASSERT_TRUE(recorder.SoundLoaded());
+    EXPECT_EQ(recorder.lblRecordFileName()->text(), QStringLiteral("long tone.wav"));
+    EXPECT_TRUE(recorder.cmdEdit()->isEnabled());
+    EXPECT_EQ(recorder.MarkB(), 3000);
+    EXPECT_EQ(recorder.RecordTime(), 3000);
+
+    // 0.3 s of the three: the player is back well before the whole sound could have played.
+    recorder.SetStartEndTime(1000, 1300);
+    QElapsedTimer clock;
+    clock.start();
+    recorder.cmdPlayC()->click();
+    EXPECT_TRUE(recorder.cmdPlayC()->Pressed());
+    EXPECT_TRUE(recorder.cmdStopC()->isEnabled());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return recorder.cmdPlayC()->isEnabled(); }, 5000));
+    EXPECT_LT(clock.elapsed(), 2000);
+    EXPECT_FALSE(recorder.cmdStopC()->isEnabled());
+    EXPECT_TRUE(boxes.boxes.empty());
 }
 
 TEST_F(Recorder, TrimWindowMarksGoToThePlayer) {
