@@ -182,6 +182,8 @@ void ctlAudioRecorder::TranslateControl(clsXMLocalizer* localizer) {
                                                       {ui->lblCaptionAdd, "BTN_ADD"}};
     for (const auto& [label, key] : labels)
         label->setText(localizer->GetString(QString::fromLatin1(key)));
+    if (mTrimWindow)
+        mTrimWindow->TranslateForm();
     // Translating wipes the marks' texts: they show the marks again.
     if (mMarkA >= 0 || mMarkB >= 0)
         SetStartEndTime(mMarkA, mMarkB);
