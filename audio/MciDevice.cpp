@@ -11,6 +11,8 @@ namespace {
 
 // A recording without an end point stops by itself after this many seconds.
 constexpr std::int64_t kLongestOpenRecordSeconds = 600;
+// The most a recording may take in memory.
+constexpr std::int64_t kLargestRecordBytes = std::int64_t(1) << 30;
 
 bool looksLikeMidi(const QByteArray& head) {
     return head.startsWith("MThd") || (head.startsWith("RIFF") && head.mid(8, 4) == "RMID");
@@ -316,6 +318,8 @@ long MciDevice::record(MciWords& words) {
         hasTo ? to - from : kLongestOpenRecordSeconds * std::int64_t(frameRate());
     if (capacity <= 0)
         return Mci::OutOfRange;
+    if (capacity * mFormat.channels * std::int64_t(sizeof(std::int16_t)) > kLargestRecordBytes)
+        return Mci::OutOfMemory;
     if (const long error =
             InputStream::open(mFormat.samplesPerSec, mFormat.channels, capacity, mInput))
         return error;
