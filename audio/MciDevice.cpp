@@ -43,6 +43,7 @@ MciDevice::~MciDevice() {
     // The streams go first: their threads read the samples and the renderer.
     mOutput.reset();
     mInput.reset();
+    MidiRenderer::recycle(std::move(mRenderer));
 }
 
 std::int64_t MciDevice::firstFrameTime() const {
