@@ -11,6 +11,8 @@ namespace {
 
 // A recording without an end point stops by itself after this many seconds.
 constexpr std::int64_t kLongestOpenRecordSeconds = 600;
+// A MIDI file whose events run longer than a day is damaged.
+constexpr double kLongestSequenceMs = 24.0 * 3600 * 1000;
 // The most a recording may take in memory.
 constexpr std::int64_t kLargestRecordBytes = std::int64_t(1) << 30;
 
@@ -79,7 +81,7 @@ long MciDevice::load() {
 
 long MciDevice::loadMidi(const QByteArray& bytes) {
     QString reason;
-    if (!mMidi.read(bytes, reason))
+    if (!mMidi.read(bytes, reason) || mMidi.lengthMs() > kLongestSequenceMs)
         return Mci::InvalidFile;
     mMidiLoaded = true;
     mFormat = {MidiRenderer::kSamplesPerSec, MidiRenderer::kChannels, 16};

@@ -86,6 +86,7 @@ TEST_F(MciServiceTest, OpensQuotedPathsAndAnswersTheirFormat) {
     EXPECT_EQ(mciSendString(QStringLiteral("status a bitsperpel")), Mci::UnsupportedFunction);
     EXPECT_EQ(mciSendString(QStringLiteral("window a state hide")), Mci::UnsupportedFunction);
     EXPECT_EQ(mciSendString(QStringLiteral("play a from x")), Mci::BadInteger);
+    EXPECT_EQ(mciSendString(QStringLiteral("play a from 4294967296")), Mci::BadInteger);
     EXPECT_EQ(mciSendString(QStringLiteral("play a from 100 to 9000")), Mci::OutOfRange);
 
     // The same file under a second alias, by its extension and with the whole name quoted.
