@@ -78,7 +78,8 @@ long MciWords::takeNumber(long long& value) {
         ok = ok && c.isDigit() && c.unicode() < 128;
     if (ok)
         value = word.toLongLong(&ok);
-    if (!ok)
+    // Numbers of the classic interface are 32-bit unsigned.
+    if (!ok || value > 0xffffffffLL)
         return Mci::BadInteger;
     ++mAt;
     return Mci::NoError;

@@ -28,7 +28,7 @@ public:
     bool accept(const char* keyword) { return accept({keyword}); }
     // The next word as a value; false at the end.
     bool takeValue(QString& value);
-    // The next word as a whole non-negative decimal number: 0, or MissingParameter at the end,
+    // The next word as a decimal number of 0 to 4294967295: 0, or MissingParameter at the end,
     // BadInteger for anything else.
     long takeNumber(long long& value);
     // The next word without taking it (empty at the end).

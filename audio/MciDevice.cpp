@@ -11,6 +11,10 @@ namespace {
 
 // A recording without an end point stops by itself after this many seconds.
 constexpr std::int64_t kLongestOpenRecordSeconds = 600;
+// A MIDI file whose events run longer than a day is damaged.
+constexpr double kLongestSequenceMs = 24.0 * 3600 * 1000;
+// The most a recording may take in memory.
+constexpr std::int64_t kLargestRecordBytes = std::int64_t(1) << 30;
 
 bool looksLikeMidi(const QByteArray& head) {
     return head.startsWith("MThd") || (head.startsWith("RIFF") && head.mid(8, 4) == "RMID");
@@ -41,6 +45,7 @@ MciDevice::~MciDevice() {
     // The streams go first: their threads read the samples and the renderer.
     mOutput.reset();
     mInput.reset();
+    MidiRenderer::recycle(std::move(mRenderer));
 }
 
 std::int64_t MciDevice::firstFrameTime() const {
@@ -76,7 +81,7 @@ long MciDevice::load() {
 
 long MciDevice::loadMidi(const QByteArray& bytes) {
     QString reason;
-    if (!mMidi.read(bytes, reason))
+    if (!mMidi.read(bytes, reason) || mMidi.lengthMs() > kLongestSequenceMs)
         return Mci::InvalidFile;
     mMidiLoaded = true;
     mFormat = {MidiRenderer::kSamplesPerSec, MidiRenderer::kChannels, 16};
@@ -316,6 +321,8 @@ long MciDevice::record(MciWords& words) {
         hasTo ? to - from : kLongestOpenRecordSeconds * std::int64_t(frameRate());
     if (capacity <= 0)
         return Mci::OutOfRange;
+    if (capacity * mFormat.channels * std::int64_t(sizeof(std::int16_t)) > kLargestRecordBytes)
+        return Mci::OutOfMemory;
     if (const long error =
             InputStream::open(mFormat.samplesPerSec, mFormat.channels, capacity, mInput))
         return error;

@@ -3,6 +3,7 @@
 #include "audio/AudioBackend.h"
 #include "audio/MciCommand.h"
 #include "audio/MciDevice.h"
+#include "audio/MidiRenderer.h"
 #include "audio/modMCI.h"
 
 #include <QFileInfo>
@@ -96,6 +97,7 @@ MciService& MciService::instance() {
 
 MciService::~MciService() {
     closeAll();
+    MidiRenderer::releaseSpare();
     audiobackend::shutdown();
 }
 

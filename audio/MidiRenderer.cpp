@@ -15,11 +15,35 @@ void silenceLibraryLog() {
     Q_UNUSED(done);
 }
 
+// A plain pointer, so that no order of the ends of static objects matters; the service drops it
+// when it ends.
+MidiRenderer* gSpare = nullptr;
+
 } // namespace
+
+void MidiRenderer::recycle(std::unique_ptr<MidiRenderer> renderer) {
+    if (!renderer)
+        return;
+    renderer->dropPlayer();
+    fluid_synth_system_reset(renderer->mSynth);
+    releaseSpare();
+    gSpare = renderer.release();
+}
+
+void MidiRenderer::releaseSpare() {
+    delete gSpare;
+    gSpare = nullptr;
+}
 
 long MidiRenderer::make(const QByteArray& smf, std::unique_ptr<MidiRenderer>& renderer) {
     silenceLibraryLog();
     renderer.reset();
+    if (gSpare) {
+        renderer.reset(gSpare);
+        gSpare = nullptr;
+        renderer->mSmf = smf;
+        return Mci::NoError;
+    }
     std::unique_ptr<MidiRenderer> made(new MidiRenderer);
     made->mSmf = smf;
     made->mSettings = new_fluid_settings();

@@ -20,6 +20,10 @@ public:
 
     // 0 and the renderer, or SeqNoMidiPresent when no synthesiser or soundfont can be had.
     static long make(const QByteArray& smf, std::unique_ptr<MidiRenderer>& renderer);
+    // Keeps a renderer no stream uses any more for the next make(): loading the soundfont is
+    // the slow part of a start.
+    static void recycle(std::unique_ptr<MidiRenderer> renderer);
+    static void releaseSpare();
     ~MidiRenderer() override;
     MidiRenderer(const MidiRenderer&) = delete;
     MidiRenderer& operator=(const MidiRenderer&) = delete;

@@ -86,6 +86,7 @@ TEST_F(MciServiceTest, OpensQuotedPathsAndAnswersTheirFormat) {
     EXPECT_EQ(mciSendString(QStringLiteral("status a bitsperpel")), Mci::UnsupportedFunction);
     EXPECT_EQ(mciSendString(QStringLiteral("window a state hide")), Mci::UnsupportedFunction);
     EXPECT_EQ(mciSendString(QStringLiteral("play a from x")), Mci::BadInteger);
+    EXPECT_EQ(mciSendString(QStringLiteral("play a from 4294967296")), Mci::BadInteger);
     EXPECT_EQ(mciSendString(QStringLiteral("play a from 100 to 9000")), Mci::OutOfRange);
 
     // The same file under a second alias, by its extension and with the whole name quoted.
@@ -98,6 +99,60 @@ TEST_F(MciServiceTest, OpensQuotedPathsAndAnswersTheirFormat) {
     EXPECT_EQ(mciSendString(QStringLiteral("status a mode")), Mci::InvalidDeviceName);
     EXPECT_EQ(ask(QStringLiteral("close all")), QString());
     EXPECT_EQ(mciSendString(QStringLiteral("status b mode")), Mci::InvalidDeviceName);
+}
+
+TEST_F(MciServiceTest, AnswersEveryCommandOfTheCommandLayer) {
+    ASSERT_EQ(mciSendString(QStringLiteral("open ") + quoted(mWav) + QStringLiteral(" alias A")),
+              0);
+    // Sound commands are carried out; video commands are known but not for this service.
+    const struct {
+        const char* command;
+        long error;
+        const char* answer;
+    } cases[] = {
+        {"status A ready", 0, "true"},
+        {"status A time format", 0, "milliseconds"},
+        {"status A audio", 0, "on"},
+        {"set A audio left off", 0, ""},
+        {"set A audio all off", 0, ""},
+        {"status A audio", 0, "off"},
+        {"set A audio right on", 0, ""},
+        {"setaudio A volume to 500", 0, ""},
+        {"setaudio A left volume to 250", 0, ""},
+        {"status A volume", 0, "500"},
+        {"status A left volume", 0, "250"},
+        {"status A right volume", 0, "1000"},
+        {"setaudio A volume to 1001", Mci::OutOfRange, ""},
+        {"status A speed", 0, "1000"},
+        {"set A speed 1000", 0, ""},
+        {"set A speed 2000", Mci::UnsupportedFunction, ""},
+        {"info A version", 0, "1.0"},
+        {"pause A", 0, ""},
+        {"resume A", 0, ""},
+        {"seek A to start", 0, ""},
+        {"status A position", 0, "0"},
+        {"play A from 100 to 200", 0, ""},
+        {"stop A", 0, ""},
+        {"status A mode", 0, "stopped"},
+        {"set A time format frames wait", Mci::BadTimeFormat, ""},
+        {"status A nominal frame rate wait", Mci::UnsupportedFunction, ""},
+        {"status A monitor input", Mci::UnsupportedFunction, ""},
+        {"status A video", Mci::UnsupportedFunction, ""},
+        {"step A by 1", Mci::UnsupportedFunction, ""},
+        {"put A window at 1 2 3 4", Mci::UnsupportedFunction, ""},
+        {"where A source", Mci::UnsupportedFunction, ""},
+        {"window A state minimized", Mci::UnsupportedFunction, ""},
+        {"play A fullscreen", Mci::UnsupportedFunction, ""},
+        {"record A to 100 notify", Mci::OutOfRange, ""}, // it records from where it stands
+        {"record A from 0 to 100 notify", 0, ""},
+        {"status A mode", 0, "recording"},
+        {"close A", 0, ""},
+    };
+    for (const auto& c : cases) {
+        QString answer;
+        EXPECT_EQ(mciSendString(QString::fromLatin1(c.command), &answer), c.error) << c.command;
+        EXPECT_EQ(answer, QString::fromLatin1(c.answer)) << c.command;
+    }
 }
 
 TEST_F(MciServiceTest, DamagedAndForeignFilesAreRefused) {
