@@ -979,9 +979,7 @@ void frmMain::bPlayAudio_Click() {
     mSoundLength = playFile(sound);
     mTimerPlay->start();
     ui->bPlayAudio->setPressed(true);
-    for (QWidget* button :
-         {static_cast<QWidget*>(ui->bDeleteAudio), static_cast<QWidget*>(ui->cmdDuplicateSlide),
-          static_cast<QWidget*>(ui->cmdAddNewSlide)})
+    for (GrButtonIII* button : {ui->bDeleteAudio, ui->cmdDuplicateSlide, ui->cmdAddNewSlide})
         button->setEnabled(false);
     EnableSlideCommands(false);
 }

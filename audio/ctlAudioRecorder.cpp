@@ -190,12 +190,9 @@ void ctlAudioRecorder::TranslateControl(clsXMLocalizer* localizer) {
 }
 
 void ctlAudioRecorder::SetEnabled(bool state) {
-    for (QWidget* button :
-         {static_cast<QWidget*>(ui->cmdSave), static_cast<QWidget*>(ui->cmdSetup),
-          static_cast<QWidget*>(ui->cmdFile), static_cast<QWidget*>(ui->cmdEdit),
-          static_cast<QWidget*>(ui->cmdPlay), static_cast<QWidget*>(ui->cmdStop),
-          static_cast<QWidget*>(ui->cmdRecord), static_cast<QWidget*>(ui->cmdPlayC),
-          static_cast<QWidget*>(ui->cmdStopC), static_cast<QWidget*>(ui->cmdRecordC)})
+    for (GrButtonIII* button :
+         {ui->cmdSave, ui->cmdSetup, ui->cmdFile, ui->cmdEdit, ui->cmdPlay, ui->cmdStop,
+          ui->cmdRecord, ui->cmdPlayC, ui->cmdStopC, ui->cmdRecordC})
         if (button->isEnabled())
             button->setEnabled(state);
 }
