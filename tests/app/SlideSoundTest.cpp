@@ -126,6 +126,8 @@ TEST_F(SlideSound, PlayingTheSlideSoundMovesTheProgressAndStops) {
 TEST_F(SlideSound, RecorderHandsItsSoundToTheSlide) {
     auto* recorder = child<ctlAudioRecorder>("ctlAudioRecorder1");
     ASSERT_NE(recorder, nullptr);
+    EXPECT_EQ(recorder->cmdSetup()->text(), QStringLiteral("Input..."));
+    EXPECT_EQ(recorder->cmdRecord()->toolTip(), QStringLiteral("Record"));
     QString archive;
     QString message;
     emit recorder->PathsWanted(archive, message);

@@ -244,6 +244,30 @@ TEST_F(Recorder, PlayerPlaysTheWholeSoundOrTheMarkedRange) {
     EXPECT_TRUE(boxes.boxes.empty());
 }
 
+TEST_F(Recorder, RecordingFromThePlayerEndsWithThePlayer) {
+    const QString wav = home.file(QStringLiteral("source.wav"));
+    audiotest::writeFile(wav, audiotest::wavBytes(8000, 16, 1, 24000));
+    setMCIManager(std::make_unique<clsMCIManager>());
+    boxes.openFiles.push_back(wav);
+    recorder.cmdFile()->click();
+    setMCIManager(nullptr);
+    ASSERT_TRUE(recorder.SoundLoaded());
+    recorder.SetStartEndTime(0, 400);
+    std::int32_t longer = 5000; // the recording would run on for five seconds
+    emit recorder.ctlUpDown1()->ValueChanged(longer);
+    ASSERT_EQ(recorder.RecordTime(), 5000);
+
+    recorder.chkRecAudioRec()->setChecked(true);
+    QElapsedTimer clock;
+    clock.start();
+    recorder.cmdRecord()->click();
+    ASSERT_TRUE(boxes.boxes.empty());
+    EXPECT_FALSE(recorder.cmdPlayC()->isEnabled());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return recorder.cmdSave()->isEnabled(); }, 6000));
+    EXPECT_LT(clock.elapsed(), 2500);
+    EXPECT_TRUE(recorder.cmdPlayC()->isEnabled());
+}
+
 TEST_F(Recorder, TrimWindowMarksGoToThePlayer) {
     const QString wav = home.file(QStringLiteral("tone.wav"));
     audiotest::writeFile(wav, audiotest::wavBytes(8000, 16, 1, 16000));
@@ -281,6 +305,18 @@ TEST_F(Recorder, TrimWindowMarksGoToThePlayer) {
     ASSERT_EQ(boxes.boxes.size(), 1u);
     EXPECT_EQ(boxes.boxes[0].title, QStringLiteral("STR_ERROR"));
     EXPECT_EQ(other.SliderEnd()->maximum(), 99);
+}
+
+TEST_F(Recorder, TrimWindowSaysWhatADeviceCannotTell) {
+    const QString midi = home.file(QStringLiteral("tune.mid"));
+    audiotest::writeFile(midi, audiotest::midiBytes(96, {{0, 500000}}, 192));
+    ASSERT_EQ(mciSendString(QStringLiteral("open \"%1\" type sequencer alias csound").arg(midi)),
+              0);
+    FrmAudioEdit trim(&recorder, nullptr);
+    trim.SetAudioSource(midi, 0, QStringLiteral("csound"));
+    ASSERT_TRUE(boxes.boxes.empty());
+    EXPECT_EQ(trim.SliderEnd()->maximum(), 1000);
+    EXPECT_TRUE(trim.lblInfo()->text().contains(QStringLiteral("STR_SAMPLES_SEC_NA")));
 }
 
 } // namespace
