@@ -5,6 +5,8 @@
 #include "app/TerminationSignals.h"
 #include "app/frmSettings.h"
 #include "app/modMain.h"
+#include "audio/ctlAudioRecorder.h"
+#include "audio/modPlaySound.h"
 #include "browse/frmMessageList.h"
 #include "canvas/ctlPictureEditor.h"
 #include "canvas/ctlTextProperties.h"
@@ -137,6 +139,7 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::frm
     connect(ui->ctlPictureEditor1, &ctlPictureEditor::CanvasChanged, this,
             &frmMain::ctlPictureEditor1_CanvasChanged);
     connectTextPanel();
+    connectSoundControls();
     ui->lblCaption->installEventFilter(this);
     ui->lblMessageTitle->installEventFilter(this);
 
@@ -226,6 +229,8 @@ void frmMain::Form_Activate() {
 
     InitTools();
     mChanged = false;
+    ui->ctlAudioRecorder1->SetMaxRecordTime(
+        pref(QStringLiteral("MaxRecordTime"), QStringLiteral("300000")).toInt());
 
     if (!mMessage)
         NewMessage(gUntitledName);
@@ -259,6 +264,7 @@ void frmMain::InitMessageManager() {
 void frmMain::InitSkin() {
     placeToolPages();
     ui->ctlTextProperties1->SetControlBackColor(kToolBackColor, kToolAccentColor);
+    ui->ctlAudioRecorder1->SetControlBackColor(kToolBackColor, kToolAccentColor);
     mWindowWidth = mDocked ? kWindowWidthDocked : kWindowWidthUndocked;
     mWindowHeight = kWindowHeight;
     ShowTitleBar(this, false);
@@ -347,6 +353,7 @@ void frmMain::placeToolPages() {
 void frmMain::InitTools() {
     ui->ctlVerticalTab1->SetTab(pref(QStringLiteral("SelectedTool"), QStringLiteral("0")).toInt());
     ui->ctlTextProperties1->setCaption(text(QStringLiteral("STR_TEXT_TITLE")));
+    InitSoundTools();
 }
 
 void frmMain::ctlVerticalTab1_TabClick(int index) {
@@ -497,6 +504,9 @@ void frmMain::TranslateForm() {
     ui->ctlPictureEditor1->TranslateControl();
     if (gLocalizer())
         ui->ctlTextProperties1->TranslateControl(gLocalizer());
+    if (gLocalizer())
+        ui->ctlAudioRecorder1->TranslateControl(gLocalizer());
+    ui->ctlAudioRecorder1->setCaption(text(QStringLiteral("STR_AUDIO_REC_TITLE")));
     ui->ctlTextProperties1->setCaption(text(QStringLiteral("STR_TEXT_TITLE")));
     const int tool = ui->ctlVerticalTab1->SelectedIndex();
     if (tool >= 0 && tool < int(std::size(kToolTitles)))
@@ -595,6 +605,10 @@ void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
         break;
     case MenuKey::SlideAdd:
         AddSlide(ask, true);
+        break;
+    case MenuKey::SlideDeleteSound:
+        if (mSlide)
+            DeleteSlideSound(mSlide->Index());
         break;
     case MenuKey::SlideBackground:
         ui->ctlPictureEditor1->SetBackgroundColor(0, true);
@@ -949,4 +963,152 @@ void frmMain::EnableSlideCommands(bool enabled) {
     for (std::int32_t key : {MenuKey::SlideDeleteSlide, MenuKey::SlideDeleteImage,
                              MenuKey::SlideDeleteSound, MenuKey::SlideDeleteText})
         ui->ctlMainMenu1->MenuItemEnabled(key, enabled);
+}
+
+// ---------------------------------------------------------------------------------------------
+// The slide's sound and the recorder
+
+void frmMain::connectSoundControls() {
+    mTimerPlay = new QTimer(this);
+    mTimerPlay->setObjectName(QStringLiteral("TimerPlay"));
+    mTimerPlay->setInterval(200);
+    connect(mTimerPlay, &QTimer::timeout, this, &frmMain::TimerPlay_Timer);
+    connect(ui->bPlayAudio, &QAbstractButton::clicked, this, &frmMain::bPlayAudio_Click);
+    connect(ui->bStopAudio, &QAbstractButton::clicked, this, &frmMain::bStopAudio_Click);
+    connect(ui->bDeleteAudio, &QAbstractButton::clicked, this, [this] {
+        if (mSlide)
+            DeleteSlideSound(mSlide->Index());
+    });
+    ctlAudioRecorder* recorder = ui->ctlAudioRecorder1;
+    connect(recorder, &ctlAudioRecorder::PathsWanted, this,
+            &frmMain::ctlAudioRecorder1_PathsWanted);
+    connect(recorder, &ctlAudioRecorder::SoundReady, this, &frmMain::AssignSound);
+}
+
+void frmMain::InitSoundTools() {
+    ui->ctlAudioRecorder1->SetEnabled(hasWaveOutDevice());
+    ui->ctlAudioRecorder1->setCaption(text(QStringLiteral("STR_AUDIO_REC_TITLE")));
+}
+
+void frmMain::ctlAudioRecorder1_PathsWanted(QString& archivePath, QString& messagePath) {
+    const QString archive = preference(QStringLiteral("paths"), QStringLiteral("archive"),
+                                       QStringLiteral("\\Archive\\"));
+    archivePath = resolveAppPath(archive) + QStringLiteral("Sounds/");
+    messagePath = mMessage ? mMessage->Path() : QString();
+}
+
+void frmMain::bPlayAudio_Click() {
+    const QString sound = ui->lblSoundFile->toolTip();
+    if (sound.isEmpty())
+        return;
+    mSoundLength = playFile(sound);
+    mTimerPlay->start();
+    ui->bPlayAudio->setPressed(true);
+    for (GrButtonIII* button : {ui->bDeleteAudio, ui->cmdDuplicateSlide, ui->cmdAddNewSlide})
+        button->setEnabled(false);
+    EnableSlideCommands(false);
+}
+
+void frmMain::TimerPlay_Timer() {
+    const std::int32_t position = getPlayPosition();
+    if (position < 1) {
+        mTimerPlay->stop();
+        ui->lblSoundProgress->resize(0, ui->lblSoundProgress->height());
+        ui->bPlayAudio->setPressed(false);
+        ui->bDeleteAudio->setEnabled(true);
+        EnableSlideCommands(true);
+        ui->cmdDuplicateSlide->setEnabled(true);
+        ui->cmdAddNewSlide->setEnabled(true);
+        stopPlaying();
+        return;
+    }
+    const int width =
+        mSoundLength > 0
+            ? static_cast<int>(qint64(ui->LblSoundProgressBack->width()) * position / mSoundLength)
+            : 0;
+    ui->lblSoundProgress->resize(std::min(width, ui->LblSoundProgressBack->width()),
+                                 ui->lblSoundProgress->height());
+}
+
+void frmMain::bStopAudio_Click() {
+    stopPlaying();
+    ui->bDeleteAudio->setEnabled(true);
+}
+
+void frmMain::DeleteSlideSound(int index) {
+    const auto slide = mMessage && mMessage->Slides() ? mMessage->Slides()->Item(index) : nullptr;
+    if (slide) {
+        slide->setSound(QString());
+        if (slide == mSlide) {
+            ui->lblSoundFile->clear();
+            ui->lblSoundFile->setToolTip(QString());
+        }
+    }
+    mChanged = true;
+}
+
+void frmMain::AssignSound(QString& path, QString& fileName) {
+    if (!mSlide)
+        return;
+    std::int32_t duration = 0;
+    if (!path.isEmpty() && !fileName.isEmpty()) {
+        if (!acceptSound(path + fileName, duration))
+            return;
+    } else {
+        path.clear();
+        fileName.clear();
+    }
+    ui->lblSoundFile->setText(fileName);
+    ui->lblSoundFile->setToolTip(path + fileName);
+    mSlide->setSound(path + fileName);
+    if (duration > 0) {
+        mSlide->setDuration(duration);
+        mSlide->setSoundDuration(duration);
+        ui->lblSoundFile->setText(fileName + QStringLiteral(" - ") +
+                                  Format(duration / 1000.0, QStringLiteral("#0.0s")));
+    }
+    LoadDuration();
+    UpdateTotalTime();
+    EnableSlideCommands(true);
+    mChanged = true;
+}
+
+// Whether `file` may go on the slide: recommended sounds silently, others after a question or
+// not at all. `duration` takes the sound's length in milliseconds.
+bool frmMain::acceptSound(const QString& file, std::int32_t& duration) {
+    QString name = file;
+    const QStringList info = getSoundInfo(name).split(QLatin1Char(';'));
+    const QString type = info.value(0);
+    const QString title = text(QStringLiteral("APP_PRODUCTNAME"));
+    // A wave sound that could not be opened has no facts: it is refused as any unknown kind.
+    const bool measured = info.size() >= 4;
+    bool accepted = false;
+    if (type == QLatin1String("WAV") && measured) {
+        accepted = (info[2] == QLatin1String("8000") && info[3] == QLatin1String("16")) ||
+                   MsgBox(text(QStringLiteral("STR_AUDIO_INFO1")) + QLatin1Char('\n') +
+                              text(QStringLiteral("STR_AUDIO_INFO2")) + QStringLiteral("\n\n") +
+                              text(QStringLiteral("STR_AUDIO_INFO3")) + QStringLiteral("\n\n") +
+                              text(QStringLiteral("STR_AUDIO_FILE")) + QLatin1Char('\n') + file +
+                              QLatin1Char('\n') + info[2] + QLatin1Char(' ') +
+                              text(QStringLiteral("STR_SAMPLES_SEC")) + QLatin1Char(' ') + info[3] +
+                              QLatin1Char(' ') + text(QStringLiteral("STR_BITSPER_SAMP")) +
+                              QStringLiteral("\n\n") + text(QStringLiteral("STR_ADD_ANYWAY")),
+                          Vb::YesNo | Vb::Information, title) == Vb::Yes;
+    } else if (type == QLatin1String("MID") || type == QLatin1String("MIDI") ||
+               type == QLatin1String("MI")) {
+        accepted = true;
+    } else if (type == QLatin1String("IMY")) {
+        accepted = MsgBox(text(QStringLiteral("STR_AUDIO_INFO4")) + QStringLiteral("\n\n") +
+                              text(QStringLiteral("STR_AUDIO_INFO5")) + QStringLiteral("\n\n\n") +
+                              text(QStringLiteral("STR_AUDIO_FILE")) + QLatin1Char('\n') + file +
+                              QStringLiteral("\n\n") + text(QStringLiteral("STR_ADD_AUDIO_Q")),
+                          Vb::YesNo | Vb::Information, title) == Vb::Yes;
+    } else {
+        MsgBox(text(QStringLiteral("STR_AUDIO_INFO6")) + QStringLiteral("\n\n") + file +
+                   QStringLiteral("\n\n") + text(QStringLiteral("STR_AUDIO_INFO3")),
+               Vb::Information, title);
+    }
+    if (accepted)
+        duration = info.value(1).toInt();
+    return accepted;
 }

@@ -79,6 +79,15 @@ public:
     std::int32_t UpdateTotalTime();
     void EnableSlideCommands(bool enabled);
 
+    // The slide's sound.
+    // Checks the sound `path` + `fileName` (path ending with a separator) and gives it to the
+    // current slide, whose duration becomes the sound's length; a sound of the wrong kind is
+    // refused or asked about in a box. Two empty names take the sound off the slide.
+    void AssignSound(QString& path, QString& fileName);
+    void DeleteSlideSound(int index);
+    // Plays the slide's sound, moving the progress under it until it ends.
+    QTimer* TimerPlay() const { return mTimerPlay; }
+
 signals:
     // The window has run its unload steps and is going.
     void Unloaded();
@@ -104,6 +113,13 @@ private:
     void WriteRecoveryCopy();
     void OfferRecoveryCopy();
     void connectTextPanel();
+    void connectSoundControls();
+    void InitSoundTools();
+    void bPlayAudio_Click();
+    void bStopAudio_Click();
+    void TimerPlay_Timer();
+    void ctlAudioRecorder1_PathsWanted(QString& archivePath, QString& messagePath);
+    bool acceptSound(const QString& file, std::int32_t& duration);
     // Makes `message` the current one, shown from its first slide.
     void ShowMessage(std::shared_ptr<clsMessage> message, bool changed);
     void ShowSaveError();
@@ -134,4 +150,6 @@ private:
     frmSettings* mFrmSettings = nullptr;
     QTimer* mTimerExitWait = nullptr;
     QTimer* mTimerRecovery = nullptr;
+    QTimer* mTimerPlay = nullptr;
+    std::int32_t mSoundLength = 0; // of the slide's sound that plays
 };
