@@ -268,3 +268,40 @@ TEST_F(Publish, FailedStepsGiveTheirStatusAndText) {
     EXPECT_EQ(manager.fileList(),
               QStringLiteral("Slide_1.txt;Slide_2.jpg;Slide_2.txt;texts.xml;mms.smil"));
 }
+
+TEST_F(Publish, CommandOptionsAndExitCodes) {
+    home.write(QStringLiteral("sounds/broken.wav"), "RIFF junk");
+    ASSERT_TRUE(make(QStringLiteral("Good"), 1, [](int, clsSlide&) {}));
+    ASSERT_TRUE(make(QStringLiteral("Bad"), 1, [&](int, clsSlide& slide) {
+        slide.setSound(home.file(QStringLiteral("sounds/broken.wav")));
+    }));
+    const QString good = folder(QStringLiteral("Good"));
+    const struct {
+        QStringList arguments;
+        int code;
+        const char* says;
+    } cases[] = {
+        {{}, 64, "Name one message folder."},
+        {{good, "--format", "png"}, 64, "--format takes jpg, gif or bmp."},
+        {{good, "--packages", "zip"}, 64, "--packages takes"},
+        {{home.file(QStringLiteral("Messages")), "--packages", "none"}, 66, "holds no message"},
+        {{folder(QStringLiteral("Bad")), "--packages", "none"},
+         3,
+         "The sound could not be converted (1) wav2amr"},
+        {{good, "--time", "s", "--format", "gif", "--convert-sound", "no", "--packages", "none"},
+         0,
+         ""},
+    };
+    for (const auto& c : cases) {
+        int code = -1;
+        const QByteArray said =
+            runTool(QStringLiteral(TESSALY_BIN_DIR "/tessaly-publish"), c.arguments, &code);
+        EXPECT_EQ(code, c.code) << c.arguments.join(' ').toStdString() << ": "
+                                << said.toStdString();
+        EXPECT_TRUE(said.contains(c.says)) << said.toStdString();
+    }
+    const QString out = output(QStringLiteral("Good"));
+    EXPECT_EQ(canonicalXml(readFile(out + QStringLiteral("mms.smil"))),
+              expectedSmil(QStringLiteral("Good"), {{"3.000s", "Slide_1.gif"}}));
+    EXPECT_FALSE(QFileInfo::exists(out + QStringLiteral("mms.tpl")));
+}
