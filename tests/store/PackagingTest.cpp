@@ -1,44 +1,32 @@
 #include "PublishSupport.h"
 
-#include "document/clsSlide.h"
 #include "store/modTar.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QProcess>
+#include <cstring>
 #include <gtest/gtest.h>
 
 namespace {
 
-// A makesis stand-in that records its arguments beside itself and writes the .sis, or fails.
+// A makesis stand-in that records its arguments beside itself, writes the .sis and exits with
+// `exitCode`. Gives its folder.
 QString fakeMakesis(const TestHome& home, const QString& folder, int exitCode) {
-    const QString script = home.file(folder + QStringLiteral("/makesis"));
     home.write(
-        folder + QStringLiteral("/makesis"),
+        folder + u"/makesis"_s,
         "#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" > \"$0.args\"\n: > \"${1%.pkg}.sis\"\nexit " +
             QByteArray::number(exitCode) + "\n");
+    const QString script = home.file(folder + u"/makesis"_s);
     QFile::setPermissions(script, QFile::permissions(script) | QFileDevice::ExeOwner);
     return home.file(folder);
 }
 
-QStringList tarNames(const QString& archive) {
-    QProcess tar;
-    tar.start(QStringLiteral("tar"), {QStringLiteral("tf"), archive});
-    tar.waitForFinished(30000);
-    return QString::fromUtf8(tar.readAllStandardOutput())
-        .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-}
-
 struct Packaging : ::testing::Test, PublishStore {
-    // A stored two-slide message, its folder then renamed to `name`, opened under that name.
+    // A stored two-slide message (a text on the first), its folder renamed to `name`, opened.
     std::shared_ptr<clsMessage> storedAs(const QString& name) {
-        if (!make(QStringLiteral("Base"), 2, [](int i, clsSlide& slide) {
-                if (i == 1)
-                    slide.setText(QStringLiteral("only text"));
-            }))
-            return nullptr;
-        if (!QDir().rename(folder(QStringLiteral("Base")), folder(name)))
+        if (!make(u"Base"_s, 2,
+                  [](int i, clsSlide& slide) { slide.setText(i == 1 ? u"x"_s : u""_s); }) ||
+            !QDir().rename(folder(u"Base"_s), folder(name)))
             return nullptr;
         auto message = manager.OpenMsg(name);
         if (message)
@@ -50,10 +38,10 @@ struct Packaging : ::testing::Test, PublishStore {
 } // namespace
 
 TEST_F(Packaging, NameWithShellCharactersPacksAndRunsNothing) {
-    const QString name = QStringLiteral("$(id) a;touch x");
+    const QString name = u"$(id) a;touch x"_s;
     auto message = storedAs(name);
     ASSERT_TRUE(message);
-    manager.setCompanionFolder(fakeMakesis(home, QStringLiteral("tools"), 0));
+    manager.setCompanionFolder(fakeMakesis(home, u"tools"_s, 0));
     ASSERT_EQ(manager.SaveAsMMS(*message, true, 0), 0)
         << manager.GetSaveAsMMSStatus().toStdString();
 
@@ -64,69 +52,62 @@ TEST_F(Packaging, NameWithShellCharactersPacksAndRunsNothing) {
     for (const char* file : {"Slide_1.jpg", "Slide_2.jpg", "texts.xml", "mms.smil"})
         expected += "\"" + out.toUtf8() + file +
                     "\"-\"!:\\documents\\MMS\\Templates\\$(id) a;touch x\\" + file + "\"\r\n";
-    QFile package(out + QStringLiteral("mms.pkg"));
-    ASSERT_TRUE(package.open(QIODevice::ReadOnly));
-    EXPECT_EQ(package.readAll(), expected);
+    EXPECT_EQ(readFile(out + u"mms.pkg"_s), expected);
     // makesis had the package as its one argument, and made the .sis beside it.
-    QFile arguments(home.file(QStringLiteral("tools/makesis.args")));
-    ASSERT_TRUE(arguments.open(QIODevice::ReadOnly));
-    EXPECT_EQ(arguments.readAll(), "1\n" + out.toUtf8() + "mms.pkg\n");
-    EXPECT_TRUE(QFileInfo::exists(out + QStringLiteral("mms.sis")));
-    EXPECT_EQ(tarNames(out + QStringLiteral("mms.tpl")),
+    EXPECT_EQ(readFile(home.file(u"tools/makesis.args"_s)), "1\n" + out.toUtf8() + "mms.pkg\n");
+    EXPECT_TRUE(QFileInfo::exists(out + u"mms.sis"_s));
+    EXPECT_EQ(tarNames(out + u"mms.tpl"_s),
               QStringList({"Slide_1.jpg", "Slide_2.jpg", "texts.xml", "mms.smil"}));
-    for (const QString& place :
-         {QDir::currentPath(), home.path(), home.file(QStringLiteral("Messages"))})
-        EXPECT_FALSE(QFileInfo::exists(place + QStringLiteral("/x"))) << place.toStdString();
+    for (const QString& place : {QDir::currentPath(), home.path(), home.file(u"Messages"_s)})
+        EXPECT_FALSE(QFileInfo::exists(place + u"/x"_s)) << place.toStdString();
 }
 
 TEST_F(Packaging, FailingMakesisIsAPackingFailure) {
-    auto message = storedAs(QStringLiteral("Trip"));
+    auto message = storedAs(u"Trip"_s);
     ASSERT_TRUE(message);
     manager.ClearTemplateFileType(1);
-    manager.setCompanionFolder(fakeMakesis(home, QStringLiteral("broken"), 5));
+    manager.setCompanionFolder(fakeMakesis(home, u"broken"_s, 5));
     EXPECT_EQ(manager.SaveAsMMS(*message, true, 0), 4);
-    EXPECT_EQ(manager.GetSaveAsMMSStatus(),
-              QStringLiteral("The message could not be packed (5) makesis"));
+    EXPECT_EQ(manager.GetSaveAsMMSStatus(), u"The message could not be packed (5) makesis"_s);
 }
 
 TEST_F(Packaging, NameAnAttributeCannotHoldStopsBeforeWriting) {
-    auto message = storedAs(QStringLiteral("a<b"));
-    ASSERT_TRUE(message);
-    manager.setCompanionFolder(fakeMakesis(home, QStringLiteral("tools"), 0));
-    EXPECT_EQ(manager.SaveAsMMS(*message, true, 0), 1);
-    EXPECT_TRUE(manager.GetSaveAsMMSStatus().startsWith(QStringLiteral("Error (-2147467259) ")))
-        << manager.GetSaveAsMMSStatus().toStdString();
-    EXPECT_TRUE(QDir(output(QStringLiteral("a<b"))).isEmpty());
-    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("tools/makesis.args"))));
+    for (const QString& name : {u"a<b"_s, u"a&b"_s, u"a\"b"_s}) {
+        auto message = storedAs(name);
+        ASSERT_TRUE(message) << name.toStdString();
+        manager.setCompanionFolder(fakeMakesis(home, u"tools"_s, 0));
+        EXPECT_EQ(manager.SaveAsMMS(*message, true, 0), 1);
+        EXPECT_TRUE(manager.GetSaveAsMMSStatus().startsWith(u"Error (-2147467259) "_s))
+            << manager.GetSaveAsMMSStatus().toStdString();
+        EXPECT_TRUE(QDir(output(name)).isEmpty());
+        EXPECT_FALSE(QFileInfo::exists(home.file(u"tools/makesis.args"_s)));
+    }
 }
 
 TEST(TarTest, RefusedCommandsLeaveNoArchive) {
     TestHome home;
-    home.write(QStringLiteral("a b.txt"), "one");
-    const QString archive = home.file(QStringLiteral("out.tpl"));
-    const QString longName = home.file(QString(101, QLatin1Char('n')));
-    home.write(QString(101, QLatin1Char('n')), "long");
+    home.write(u"a b.txt"_s, "one");
+    home.write(QString(101, u'n'), "long");
+    const QString archive = home.file(u"out.tpl"_s);
     const struct {
-        QString command;
+        QString files;
         int result;
     } cases[] = {
-        {QStringLiteral("-fc \"%1\" \"%2\"").arg(archive, home.file("missing")), TarUnreadableFile},
-        {QStringLiteral("-fc \"%1\" \"%2\"").arg(archive, longName), TarBadEntry},
-        {QStringLiteral("-fc \"%1\"").arg(archive), TarBadCommand},
-        {QStringLiteral("--bogus -fc \"%1\" \"%2\"").arg(archive, home.file("a b.txt")),
-         TarBadCommand},
+        {u"-fc \"%1\" \"%2\""_s.arg(archive, home.file(u"missing"_s)), TarUnreadableFile},
+        {u"-fc \"%1\" \"%2\""_s.arg(archive, home.file(QString(101, u'n'))), TarBadEntry},
+        {u"-fc \"%1\""_s.arg(archive), TarBadCommand},
+        {u"--bogus -fc \"%1\" \"%2\""_s.arg(archive, home.file(u"a b.txt"_s)), TarBadCommand},
     };
     for (const auto& c : cases) {
         char buffer[16];
         std::memset(buffer, 'x', sizeof buffer);
-        EXPECT_EQ(Tar(0, c.command.toUtf8(), buffer, sizeof buffer), c.result)
-            << c.command.toStdString();
+        EXPECT_EQ(Tar(0, c.files.toUtf8(), buffer, sizeof buffer), c.result)
+            << c.files.toStdString();
         EXPECT_NE(std::memchr(buffer, '\0', sizeof buffer), nullptr);
-        EXPECT_TRUE(
-            QDir(home.path()).entryList({QStringLiteral("out.tpl*")}, QDir::Files).isEmpty());
+        EXPECT_TRUE(QDir(home.path()).entryList({u"out.tpl*"_s}, QDir::Files).isEmpty());
     }
-    const QString good = QStringLiteral("--use-directory=0 --display-dialog=0 -fc \"%1\" \"%2\"")
-                             .arg(archive, home.file(QStringLiteral("a b.txt")));
+    const QString good = u"--use-directory=0 --display-dialog=0 -fc \"%1\" \"%2\""_s.arg(
+        archive, home.file(u"a b.txt"_s));
     EXPECT_EQ(Tar(0, good.toUtf8(), nullptr, 0), TarOk);
-    EXPECT_EQ(tarNames(archive), QStringList{QStringLiteral("a b.txt")});
+    EXPECT_EQ(tarNames(archive), QStringList{u"a b.txt"_s});
 }
