@@ -6,13 +6,6 @@
 #include <QFileInfo>
 #include <gtest/gtest.h>
 
-namespace {
-QByteArray readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
-}
-} // namespace
-
 TEST(AmrConverterTest, EncodesAnyRateToFramesOfTwentyMilliseconds) {
     TestHome home;
     const struct {
@@ -23,7 +16,7 @@ TEST(AmrConverterTest, EncodesAnyRateToFramesOfTwentyMilliseconds) {
         const QByteArray in = QFile::encodeName(home.file(QStringLiteral("in.wav")));
         const QByteArray amr = QFile::encodeName(home.file(QStringLiteral("out.amr")));
         ASSERT_EQ(wav2amr(in, amr, "MR102"), AmrOk) << c.rate;
-        const QByteArray bytes = readAll(QString::fromLocal8Bit(amr));
+        const QByteArray bytes = readFile(QString::fromLocal8Bit(amr));
         // 10.2 kbit/s frames: a header byte 0x34 (type 6, quality bit) and 26 bytes of speech.
         EXPECT_EQ(bytes.size(), 6 + 27 * c.frames) << c.rate;
         EXPECT_TRUE(bytes.startsWith("#!AMR\n4")) << c.rate;
@@ -31,7 +24,7 @@ TEST(AmrConverterTest, EncodesAnyRateToFramesOfTwentyMilliseconds) {
         const QByteArray back = QFile::encodeName(home.file(QStringLiteral("back.wav")));
         ASSERT_EQ(amr2wav(amr, back), AmrOk);
         std::vector<std::int16_t> samples;
-        ASSERT_TRUE(decodeSoundTo8kMono(readAll(QString::fromLocal8Bit(back)), samples));
+        ASSERT_TRUE(decodeSoundTo8kMono(readFile(QString::fromLocal8Bit(back)), samples));
         EXPECT_EQ(samples.size(), std::size_t(160 * c.frames));
     }
     EXPECT_EQ(amrModeFromText("mr475"), 0);

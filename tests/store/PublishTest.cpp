@@ -108,22 +108,6 @@ TEST_F(Publish, ThreeSlidesFromTheWindowAndTheCommandAreTheSame) {
     EXPECT_EQ(tarNames(out + u"mms.tpl"_s).size(), 7);
 }
 
-TEST_F(Publish, NoSlidesGiveTheTwoDocumentsAndAnEmptiedFolder) {
-    auto message = make(u"Empty"_s, 0, [](int, clsSlide&) {});
-    ASSERT_TRUE(message);
-    home.write(u"Messages/Empty/mms/old.jpg"_s, "from before");
-    manager.ClearTemplateFileType(2);
-    ASSERT_EQ(manager.SaveAsMMS(*message, true, 1), 0);
-    const QString out = output(u"Empty"_s);
-    EXPECT_FALSE(QFileInfo::exists(out + u"old.jpg"_s));
-    EXPECT_EQ(manager.fileList(), u"texts.xml;mms.smil"_s);
-    EXPECT_EQ(canonicalXml(readFile(out + u"mms.smil"_s)), expectedSmil(u"Empty"_s, {}));
-    EXPECT_EQ(
-        canonicalXml(readFile(out + u"texts.xml"_s)),
-        canonicalXml("<mms-text-files><message><title>Empty</title></message></mms-text-files>"));
-    EXPECT_EQ(tarNames(out + u"mms.tpl"_s), QStringList({"texts.xml", "mms.smil"}));
-}
-
 TEST_F(Publish, SoundsByExtensionAndConversion) {
     home.write(u"sounds/noext"_s, sineWav(8000, 1, 200));
     home.write(u"sounds/a b.wav"_s, sineWav(22050, 1, 300));
@@ -152,6 +136,8 @@ TEST_F(Publish, SoundsByExtensionAndConversion) {
         EXPECT_TRUE(QFileInfo::exists(out + u"Slide_2.wav"_s));
         EXPECT_EQ(manager.fileList().contains(u"Slide_2.wav"_s), !convert);
         EXPECT_EQ(QImage(out + u"Slide_1"_s + QString::fromLatin1(ext)).size(), QSize(160, 120));
+        // Each publication empties the folder of the one before.
+        EXPECT_EQ(QFileInfo::exists(out + u"Slide_1.gif"_s), !convert);
     }
     EXPECT_NEAR(decodedMs(out + u"Slide_2.amr"_s), 300, 40);
 }
@@ -182,6 +168,7 @@ TEST_F(Publish, FailedStepsGiveTheirStatusAndText) {
 TEST_F(Publish, CommandOptionsAndExitCodes) {
     home.write(u"sounds/broken.wav"_s, "RIFF junk");
     ASSERT_TRUE(make(u"Good"_s, 1, [](int, clsSlide&) {}));
+    ASSERT_TRUE(make(u"Empty"_s, 0, [](int, clsSlide&) {}));
     ASSERT_TRUE(make(u"Bad"_s, 1, [&](int, clsSlide& slide) {
         slide.setSound(home.file(u"sounds/broken.wav"_s));
     }));
@@ -198,6 +185,7 @@ TEST_F(Publish, CommandOptionsAndExitCodes) {
         {{folder(u"Bad"_s), "--packages", "none"},
          3,
          "The sound could not be converted (1) wav2amr"},
+        {{folder(u"Empty"_s), "--packages", "tpl"}, 0, ""},
         {{good, "--time", "s", "--format", "gif", "--convert-sound", "no", "--packages", "none"},
          0,
          ""},
@@ -212,4 +200,11 @@ TEST_F(Publish, CommandOptionsAndExitCodes) {
     EXPECT_EQ(canonicalXml(readFile(output(u"Good"_s) + u"mms.smil"_s)),
               expectedSmil(u"Good"_s, par("3.000s", "Slide_1.gif")));
     EXPECT_FALSE(QFileInfo::exists(output(u"Good"_s) + u"mms.tpl"_s));
+    // No slides: an empty body, a title alone, and the two documents packed.
+    EXPECT_EQ(canonicalXml(readFile(output(u"Empty"_s) + u"mms.smil"_s)),
+              expectedSmil(u"Empty"_s, {}));
+    EXPECT_EQ(
+        canonicalXml(readFile(output(u"Empty"_s) + u"texts.xml"_s)),
+        canonicalXml("<mms-text-files><message><title>Empty</title></message></mms-text-files>"));
+    EXPECT_EQ(tarNames(output(u"Empty"_s) + u"mms.tpl"_s), QStringList({"texts.xml", "mms.smil"}));
 }
