@@ -184,6 +184,10 @@ void clsMMSManager::phase(std::int16_t slide, std::int16_t total) {
 }
 
 bool clsMMSManager::prepareOutputFolder(const QString& outputFolder) {
+    // Emptying goes through the folder itself only: a link named "mms" would empty its target.
+    if (QFileInfo(QDir::cleanPath(outputFolder)).isSymLink())
+        fail(FailureNumber::PathFileAccess, QString::fromUtf8(kSource),
+             QStringLiteral("%1 is a link").arg(outputFolder));
     QDir folder(outputFolder);
     if (!folder.exists())
         return QDir().mkpath(outputFolder);
