@@ -173,6 +173,8 @@ TEST_F(Publish, CommandOptionsAndExitCodes) {
         slide.setSound(home.file(u"sounds/broken.wav"_s));
     }));
     const QString good = folder(u"Good"_s);
+    // Without preferences of the user's the command takes the installed ones and writes none.
+    ASSERT_TRUE(QFile::remove(home.file(u"tessaly.xml"_s)));
     const struct {
         QStringList arguments;
         int code;
@@ -200,6 +202,7 @@ TEST_F(Publish, CommandOptionsAndExitCodes) {
     EXPECT_EQ(canonicalXml(readFile(output(u"Good"_s) + u"mms.smil"_s)),
               expectedSmil(u"Good"_s, par("3.000s", "Slide_1.gif")));
     EXPECT_FALSE(QFileInfo::exists(output(u"Good"_s) + u"mms.tpl"_s));
+    EXPECT_FALSE(QFileInfo::exists(home.file(u"tessaly.xml"_s)));
     // No slides: an empty body, a title alone, and the two documents packed.
     EXPECT_EQ(canonicalXml(readFile(output(u"Empty"_s) + u"mms.smil"_s)),
               expectedSmil(u"Empty"_s, {}));
