@@ -192,8 +192,9 @@ bool decodeAmr(const QByteArray& amr, std::vector<std::int16_t>& samples) {
     return whole;
 }
 
-QByteArray wavFile(const std::vector<std::int16_t>& samples) {
+QByteArray wavFile(const std::vector<std::int16_t>& samples, int rate, int channels) {
     const auto dataBytes = std::uint32_t(samples.size() * 2);
+    const auto frameBytes = std::uint32_t(2 * channels);
     QByteArray out;
     out.reserve(qsizetype(44 + dataBytes));
     out.append("RIFF");
@@ -201,10 +202,10 @@ QByteArray wavFile(const std::vector<std::int16_t>& samples) {
     out.append("WAVEfmt ");
     putLe(out, 16, 4);
     putLe(out, 1, 2); // PCM
-    putLe(out, 1, 2); // mono
-    putLe(out, kRate, 4);
-    putLe(out, kRate * 2, 4);
-    putLe(out, 2, 2);
+    putLe(out, std::uint32_t(channels), 2);
+    putLe(out, std::uint32_t(rate), 4);
+    putLe(out, std::uint32_t(rate) * frameBytes, 4);
+    putLe(out, frameBytes, 2);
     putLe(out, 16, 2);
     out.append("data");
     putLe(out, dataBytes, 4);
@@ -231,5 +232,5 @@ int amr2wav(const QByteArray& amrPath, const QByteArray& wavPath) {
     std::vector<std::int16_t> samples;
     if (!decodeAmr(amr, samples))
         return AmrDamagedStream;
-    return writeFile(wavPath, wavFile(samples)) ? AmrOk : AmrUnwritableOutput;
+    return writeFile(wavPath, wavFile(samples, kRate, 1)) ? AmrOk : AmrUnwritableOutput;
 }

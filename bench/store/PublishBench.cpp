@@ -22,29 +22,12 @@ namespace {
 constexpr int kSlides = 20;
 
 QByteArray sineWav(int rate, int channels, int ms) {
-    const int frames = int(std::int64_t(rate) * ms / 1000);
-    QByteArray data(qsizetype(frames) * channels * 2, Qt::Uninitialized);
-    auto* out = reinterpret_cast<std::int16_t*>(data.data());
-    for (int i = 0; i < frames; ++i)
+    std::vector<std::int16_t> samples;
+    for (int i = 0; i < int(std::int64_t(rate) * ms / 1000); ++i)
         for (int c = 0; c < channels; ++c)
-            *out++ = std::int16_t(8000 * std::sin(2 * M_PI * (440.0 + 110 * c) * i / rate));
-    QByteArray head("RIFF");
-    const auto le = [&head](std::uint32_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i)
-            head.append(char((value >> (8 * i)) & 0xFF));
-    };
-    le(36 + std::uint32_t(data.size()), 4);
-    head.append("WAVEfmt ");
-    le(16, 4);
-    le(1, 2);
-    le(std::uint32_t(channels), 2);
-    le(std::uint32_t(rate), 4);
-    le(std::uint32_t(rate * channels * 2), 4);
-    le(std::uint32_t(channels * 2), 2);
-    le(16, 2);
-    head.append("data");
-    le(std::uint32_t(data.size()), 4);
-    return head + data;
+            samples.push_back(
+                std::int16_t(8000 * std::sin(2 * M_PI * (440.0 + 110 * c) * i / rate)));
+    return wavFile(samples, rate, channels);
 }
 
 // A stored message of kSlides slides with a picture, a text and a 10 s sound each.

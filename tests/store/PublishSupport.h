@@ -5,6 +5,7 @@
 #include "config/modConfig.h"
 #include "document/clsMessage.h"
 #include "document/clsSlide.h"
+#include "store/AMRConverter.h"
 #include "store/clsMMSManager.h"
 #include "support/TestHome.h"
 
@@ -19,22 +20,11 @@ using namespace Qt::StringLiterals;
 
 // A 440 Hz sine of `ms` milliseconds as a 16-bit PCM WAV file.
 inline QByteArray sineWav(int rate, int channels, int ms) {
-    QByteArray data;
-    for (int i = 0; i < int(std::int64_t(rate) * ms / 1000); ++i) {
-        const auto sample = std::int16_t(8000 * std::sin(2 * M_PI * 440.0 * i / rate));
-        for (int c = 0; c < channels; ++c)
-            data.append(char(sample & 0xFF)).append(char((sample >> 8) & 0xFF));
-    }
-    QByteArray out;
-    const auto le = [&out](std::uint32_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i)
-            out.append(char((value >> (8 * i)) & 0xFF));
-    };
-    out.append("RIFF"), le(36 + std::uint32_t(data.size()), 4), out.append("WAVEfmt "), le(16, 4);
-    le(1, 2), le(std::uint32_t(channels), 2), le(std::uint32_t(rate), 4);
-    le(std::uint32_t(rate * channels * 2), 4), le(std::uint32_t(channels * 2), 2), le(16, 2);
-    out.append("data"), le(std::uint32_t(data.size()), 4);
-    return out + data;
+    std::vector<std::int16_t> samples;
+    for (int i = 0; i < int(std::int64_t(rate) * ms / 1000); ++i)
+        samples.insert(samples.end(), std::size_t(channels),
+                       std::int16_t(8000 * std::sin(2 * M_PI * 440.0 * i / rate)));
+    return wavFile(samples, rate, channels);
 }
 
 // A store in a fresh application folder with the shipped preferences and English texts.
