@@ -73,10 +73,13 @@ bool clsRunPgm::run(const QString& path, const QString& command, int windowStyle
     Q_UNUSED(windowStyle) // programs here have no window to minimise
     if (mRunning)
         return mRunning;
-    QString line = path;
-    if (!line.isEmpty() && !line.endsWith(QLatin1Char('/')))
-        line += QLatin1Char('/');
-    line += command;
+    QString folder = path;
+    if (!folder.isEmpty() && !folder.endsWith(QLatin1Char('/')))
+        folder += QLatin1Char('/');
+    // Quoted, a folder with blanks stays one word with the program name that follows it.
+    const QString line = folder.isEmpty() || folder.contains(QLatin1Char('"'))
+                             ? folder + command
+                             : QLatin1Char('"') + folder + QLatin1Char('"') + command;
     const QStringList words = QProcess::splitCommand(line);
     if (words.isEmpty())
         return false;

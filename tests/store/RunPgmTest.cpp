@@ -2,6 +2,7 @@
 #include "support/TestHome.h"
 
 #include <QElapsedTimer>
+#include <QFile>
 #include <QFileInfo>
 #include <gtest/gtest.h>
 
@@ -53,6 +54,14 @@ TEST(RunPgmTest, ProgramPastItsWaitRunsOnUntilTerminated) {
 
 TEST(RunPgmTest, WordsReachTheProgramWithoutAShell) {
     TestHome home;
+    home.write(QStringLiteral("my tools/placeholder"), "");
+    ASSERT_TRUE(QFile::link(QStringLiteral("/bin/sh"), home.file(QStringLiteral("my tools/sh"))));
+    clsRunPgm inFolder;
+    ASSERT_TRUE(
+        inFolder.run(home.file(QStringLiteral("my tools")), QStringLiteral("sh -c \"exit 4\""), 6));
+    ASSERT_TRUE(inFolder.waitUntilEnded(5000));
+    EXPECT_EQ(inFolder.GetExitCode(), 4);
+
     const QString marker = home.file(QStringLiteral("x"));
     clsRunPgm runner;
     // Were a shell to read the line, it would run the touch.
