@@ -132,14 +132,19 @@ void loadConfig(SharedConfig& shared, const QTemporaryDir& scratch) {
     }
 }
 
+// One line on the terminal, rewritten for each stage (the escape clears what a longer line
+// left behind).
 void showProgress(std::int16_t slide, std::int16_t total) {
+    QString text;
     if (slide >= 1)
-        say(QLatin1Char('\r') + localTextPar(QStringLiteral("STR_PROCESS"),
-                                             {QString::number(slide), QString::number(total)}));
+        text = localTextPar(QStringLiteral("STR_PROCESS"),
+                            {QString::number(slide), QString::number(total)});
     else if (total == 1)
-        say(QLatin1Char('\r') + localText(QStringLiteral("STR_COMPRESS")));
+        text = localText(QStringLiteral("STR_COMPRESS"));
     else if (total == 2)
-        say(QLatin1Char('\r') + localText(QStringLiteral("STR_READY")) + QLatin1Char('\n'));
+        text = localText(QStringLiteral("STR_READY"));
+    say(QLatin1Char('\r') + text + QStringLiteral("\x1b[K") +
+        (slide < 1 && total == 2 ? QStringLiteral("\n") : QString()));
 }
 } // namespace
 
