@@ -1,5 +1,6 @@
 #include "PublishSupport.h"
 
+#include "../companions/SisReader.h"
 #include "store/modTar.h"
 
 #include <QDir>
@@ -60,6 +61,33 @@ TEST_F(Packaging, NameWithShellCharactersPacksAndRunsNothing) {
               QStringList({"Slide_1.jpg", "Slide_2.jpg", "texts.xml", "mms.smil"}));
     for (const QString& place : {QDir::currentPath(), home.path(), home.file(u"Messages"_s)})
         EXPECT_FALSE(QFileInfo::exists(place + u"/x"_s)) << place.toStdString();
+}
+
+TEST_F(Packaging, InstallationFileFromTheCompanionHoldsEveryPublishedFile) {
+    // The real makesis of this build, found beside the program as in an installation.
+    auto message = storedAs(u"Trip 1"_s);
+    ASSERT_TRUE(message);
+    ASSERT_EQ(manager.SaveAsMMS(*message, true, 0), 0)
+        << manager.GetSaveAsMMSStatus().toStdString();
+
+    const QString out = output(u"Trip 1"_s);
+    const QByteArray bytes = readFile(out + u"mms.sis"_s);
+    const SisRead sis = readSis(bytes);
+    EXPECT_EQ(sis.names, QStringList{u"Trip 1"_s});
+    EXPECT_EQ(sis.uid[0], 0x101F8A52u);
+    EXPECT_EQ(sis.uid[3], sis.uid4Expected);
+    EXPECT_EQ(sis.checksum, sis.checksumExpected);
+    ASSERT_EQ(sis.requisites.size(), 2);
+    EXPECT_EQ(sis.requisites[1].uid, 0x101F80BEu);
+    QStringList targets;
+    for (const SisRead::File& file : sis.files) {
+        targets << file.target;
+        const QString name = file.target.section(u'\\', -1);
+        EXPECT_EQ(file.content, readFile(out + name)) << name.toStdString();
+    }
+    const QString folder = u"!:\\documents\\MMS\\Templates\\Trip 1\\"_s;
+    EXPECT_EQ(targets, QStringList({folder + u"Slide_1.jpg"_s, folder + u"Slide_2.jpg"_s,
+                                    folder + u"texts.xml"_s, folder + u"mms.smil"_s}));
 }
 
 TEST_F(Packaging, FailingMakesisIsAPackingFailure) {
