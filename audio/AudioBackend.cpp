@@ -96,22 +96,13 @@ std::int64_t OutputStream::now() {
         .count();
 }
 
-void OutputStream::lock() {
+void OutputStream::start(std::int64_t from, std::int64_t to) {
     SDL_LockAudioDevice(mDevice);
-}
-
-void OutputStream::unlock() {
-    SDL_UnlockAudioDevice(mDevice);
-}
-
-void OutputStream::prepare(std::int64_t from, std::int64_t to) {
     mFrame.store(from);
     mEnd.store(std::max(from, to));
     mFirstFrameTime.store(0);
     mRunning.store(to > from, std::memory_order_release);
-}
-
-void OutputStream::resume() {
+    SDL_UnlockAudioDevice(mDevice);
     SDL_PauseAudioDevice(mDevice, 0);
 }
 

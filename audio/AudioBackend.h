@@ -43,18 +43,9 @@ public:
     OutputStream(const OutputStream&) = delete;
     OutputStream& operator=(const OutputStream&) = delete;
 
-    // Hands frames from `from` up to `to` to the device; `beforeStart` runs while the device's
-    // thread is held, to set up a renderer.
-    template <typename F> void start(std::int64_t from, std::int64_t to, F&& beforeStart) {
-        lock();
-        beforeStart();
-        prepare(from, to);
-        unlock();
-        resume();
-    }
-    void start(std::int64_t from, std::int64_t to) {
-        start(from, to, [] {});
-    }
+    // Hands frames from `from` up to `to` to the device. A renderer is set up before, while the
+    // stream is paused: its thread renders nothing then.
+    void start(std::int64_t from, std::int64_t to);
     // Stops handing frames; the position stays where it is.
     void pause();
     // True while frames are being handed out; false once the end has been reached.
@@ -72,10 +63,6 @@ private:
     OutputStream() = default;
     static void callback(void* self, std::uint8_t* stream, int length);
     void fill(std::int16_t* out, int frames);
-    void prepare(std::int64_t from, std::int64_t to);
-    void lock();
-    void unlock();
-    void resume();
 
     std::uint32_t mDevice = 0;
     OutputSource mSource;

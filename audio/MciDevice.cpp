@@ -104,6 +104,15 @@ long MciDevice::ensureSamples() {
     return Mci::NoError;
 }
 
+long MciDevice::cueSequence(std::int64_t from) {
+    // The output is paused or not open yet, so its thread does not render now.
+    if (!mRenderer)
+        if (const long error = MidiRenderer::make(mMidi.smf(), mRenderer))
+            return error;
+    const std::int64_t tick = mMidi.tickAtMs(double(from) * 1000.0 / frameRate());
+    return mRenderer->cue(tick) ? Mci::NoError : Mci::InvalidFile;
+}
+
 long MciDevice::ensureOutput() {
     if (mOutput)
         return Mci::NoError;
@@ -267,20 +276,16 @@ long MciDevice::play(MciWords& words) {
     if (from > total || to > total || to < from)
         return Mci::OutOfRange;
     stopOutput();
+    // Everything is ready before the device starts: a device that waits paused hands out
+    // silence, which would come before the sound.
+    if (isMidi()) {
+        if (const long error = cueSequence(from))
+            return error;
+    }
     if (const long error = ensureOutput())
         return error;
     mPlayEnd = to;
-    if (isMidi()) {
-        const std::int64_t tick = mMidi.tickAtMs(double(from) * 1000.0 / frameRate());
-        bool cued = false;
-        mOutput->start(from, to, [&] { cued = mRenderer->cue(tick); });
-        if (!cued) {
-            mOutput->pause();
-            return Mci::InvalidFile;
-        }
-    } else {
-        mOutput->start(from, to);
-    }
+    mOutput->start(from, to);
     mPosition = from;
     mMode = from < to ? Mode::Playing : Mode::Stopped;
     return Mci::NoError;
@@ -364,8 +369,9 @@ long MciDevice::resume() {
         mInput->start();
         mMode = Mode::Recording;
     } else if (isMidi()) {
-        const std::int64_t tick = mMidi.tickAtMs(double(mPosition) * 1000.0 / frameRate());
-        mOutput->start(mPosition, mPlayEnd, [&] { mRenderer->cue(tick); });
+        if (const long error = cueSequence(mPosition))
+            return error;
+        mOutput->start(mPosition, mPlayEnd);
         mMode = Mode::Playing;
     } else {
         mOutput->start(mPosition, mPlayEnd);

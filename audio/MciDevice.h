@@ -58,6 +58,8 @@ private:
     long loadMidi(const QByteArray& bytes);
     long ensureSamples();
     long ensureOutput();
+    // Sets the synthesiser to play from `from` (frames).
+    long cueSequence(std::int64_t from);
     std::int64_t position() const;
     std::int64_t length() const;
     int frameRate() const;

@@ -135,8 +135,10 @@ bool MidiFile::readTrack(const char* data, std::int64_t size, QString& reason) {
                     mTempos.push_back({tick, tempo});
             }
             p += length;
-            if (type == 0x2f)
+            if (type == 0x2f) { // the track ends here, silence before it included
+                mEndTick = std::max(mEndTick, tick);
                 break;
+            }
         } else if (status == 0xf0 || status == 0xf7) {
             std::int64_t length = 0;
             if (!readVarLen(p, end, length) || length > end - p)

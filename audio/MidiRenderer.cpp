@@ -2,7 +2,10 @@
 
 #include "audio/modMCI.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <fluidsynth.h>
+#include <iterator>
 
 namespace {
 
@@ -25,7 +28,7 @@ void MidiRenderer::recycle(std::unique_ptr<MidiRenderer> renderer) {
     if (!renderer)
         return;
     renderer->dropPlayer();
-    fluid_synth_system_reset(renderer->mSynth);
+    renderer->silence();
     releaseSpare();
     gSpare = renderer.release();
 }
@@ -86,9 +89,25 @@ void MidiRenderer::dropPlayer() {
     mPlayer = nullptr;
 }
 
+void MidiRenderer::silence() {
+    // Voices that are dying away stop at once, then controllers and programs start afresh.
+    fluid_synth_all_sounds_off(mSynth, -1);
+    fluid_synth_system_reset(mSynth);
+    // The synthesiser lets stopped voices fade out over the next blocks, which would sound at
+    // the start of the next play: they are rendered here and dropped, up to a second.
+    constexpr int kBlock = 1024;
+    std::int16_t dropped[2 * kBlock];
+    for (int rendered = 0; rendered < kSamplesPerSec; rendered += kBlock) {
+        fluid_synth_write_s16(mSynth, kBlock, dropped, 0, 2, dropped, 1, 2);
+        if (std::all_of(std::begin(dropped), std::end(dropped),
+                        [](std::int16_t sample) { return std::abs(sample) <= 2; }))
+            break;
+    }
+}
+
 bool MidiRenderer::cue(std::int64_t tick) {
     dropPlayer();
-    fluid_synth_system_reset(mSynth);
+    silence();
     mPlayer = new_fluid_player(mSynth);
     if (!mPlayer)
         return false;

@@ -35,6 +35,7 @@ public:
 private:
     MidiRenderer() = default;
     void dropPlayer();
+    void silence();
 
     QByteArray mSmf;
     _fluid_hashtable_t* mSettings = nullptr;

@@ -3,6 +3,7 @@
 #include "audio/modMCI.h"
 
 #include <QFile>
+#include <algorithm>
 #include <cmath>
 
 namespace audiotest {
@@ -56,23 +57,26 @@ QByteArray wavBytes(int samplesPerSec, int bitsPerSample, int channels, int fram
 }
 
 QByteArray midiBytes(int ticksPerQuarter, const std::vector<std::pair<int, int>>& tempos,
-                     int endTick) {
+                     int endTick, int noteFrom) {
+    std::vector<std::pair<int, QByteArray>> events; // by tick, in order of making
+    for (const auto& [tick, tempo] : tempos) {
+        QByteArray event = QByteArray::fromHex("ff5103");
+        putBE(event, quint32(tempo), 3);
+        events.emplace_back(tick, event);
+    }
+    events.emplace_back(0, QByteArray::fromHex("c000")); // program 0
+    events.emplace_back(noteFrom, QByteArray::fromHex("903c64"));
+    events.emplace_back(endTick, QByteArray::fromHex("803c40"));
+    events.emplace_back(endTick, QByteArray::fromHex("ff2f00"));
+    std::stable_sort(events.begin(), events.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
     QByteArray track;
     int at = 0;
-    for (const auto& [tick, tempo] : tempos) {
+    for (const auto& [tick, event] : events) {
         putVarLen(track, quint32(tick - at));
+        track += event;
         at = tick;
-        track += QByteArray::fromHex("ff5103");
-        putBE(track, quint32(tempo), 3);
-        if (tick == 0)
-            track += QByteArray::fromHex("00c000"); // program 0 at the start
     }
-    putVarLen(track, 0);
-    track += QByteArray::fromHex("903c64");
-    putVarLen(track, quint32(endTick - at));
-    track += QByteArray::fromHex("803c40");
-    putVarLen(track, 0);
-    track += QByteArray::fromHex("ff2f00");
     QByteArray out("MThd");
     putBE(out, 6, 4);
     putBE(out, 0, 2);

@@ -11,9 +11,9 @@ namespace audiotest {
 QByteArray wavBytes(int samplesPerSec, int bitsPerSample, int channels, int frames);
 
 // A one-track MIDI file: at `ticksPerQuarter`, the tempo changes (tick, microseconds per
-// quarter) and one note held from tick 0 to `endTick`.
+// quarter) and one note held from tick `noteFrom` to `endTick`, where the track ends.
 QByteArray midiBytes(int ticksPerQuarter, const std::vector<std::pair<int, int>>& tempos,
-                     int endTick);
+                     int endTick, int noteFrom = 0);
 
 void writeFile(const QString& path, const QByteArray& bytes);
 
