@@ -104,6 +104,7 @@ private:
     void WriteRecoveryCopy();
     void OfferRecoveryCopy();
     void connectTextPanel();
+    void connectBrowsers();
     // Makes `message` the current one, shown from its first slide.
     void ShowMessage(std::shared_ptr<clsMessage> message, bool changed);
     void ShowSaveError();
