@@ -304,10 +304,14 @@ int ctlBrowser::nextPendingThumb() {
 void ctlBrowser::readThumb(int index) {
     const unsigned generation = mGeneration;
     const QSize box = pictureBox(index).size();
+    // An unreadable file gets its box here, once: the tile then stays empty. The timer rests
+    // while a box is open.
+    mTimerThumbs->stop();
     mReading = true;
-    // An unreadable file gets its box here, once: the tile then stays empty.
     QImage picture = LoadPictureFile(mPath + FileName(index), mBoxes);
     mReading = false;
+    if (mPending > 0)
+        mTimerThumbs->start();
     if (generation != mGeneration || index > int(mThumbCache.size()))
         return; // the list was loaded again while the box was open
     Thumb& thumb = mThumbCache[std::size_t(index - 1)];

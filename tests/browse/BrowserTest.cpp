@@ -1,6 +1,8 @@
+#include "audio/clsMCIManager.h"
 #include "browse/ctlBrowser.h"
 #include "controls/GrButtonIII.h"
 #include "support/ScriptedResponder.h"
+#include "support/TestHome.h"
 
 #include <QApplication>
 #include <QDir>
@@ -168,6 +170,34 @@ TEST(BrowserEmptyTest, AnEmptyFolderShowsNoTileAndAClickHitsNothing) {
                       Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(browser.tabView(), &press);
     EXPECT_EQ(selected.count(), 0);
+}
+
+TEST(BrowserSoundTest, SoundTilesShareTheirKindsIconAndABrowsedSoundComesAsIndexZero) {
+    setMCIManager(std::make_unique<clsMCIManager>());
+    ScriptedResponder responder;
+    const QString sounds = QDir(sourceDataFolder()).filePath(QStringLiteral("Archive/Sounds"));
+    ctlBrowser browser;
+    browser.SetBrowserThumbType(ctlBrowser::SoundThumbs);
+    browser.setPath(sounds);
+    browser.setFiles(QStringLiteral("*.wav,*.mid,*.midi,*.imy"));
+    browser.setThumbs(QStringLiteral("101,302,302,302"));
+    browser.setThumbHeight(48);
+    browser.LoadFiles();
+    const int count = browser.list().Count();
+    ASSERT_GE(count, 2);
+    EXPECT_EQ(browser.PendingThumbs(), 0); // nothing to read: every tile has its icon
+    EXPECT_TRUE(browser.FileName(count).endsWith(QStringLiteral(".mid")));
+    EXPECT_FALSE(browser.Thumbnail(1).isNull());
+    EXPECT_NE(browser.Thumbnail(1), browser.Thumbnail(count));
+
+    QSignalSpy chosen(&browser, &ctlBrowser::ItemChosen);
+    const QString beep = QDir(sounds).filePath(QStringLiteral("Beep.wav"));
+    responder.openFiles = {beep};
+    browser.bBrowse()->click();
+    ASSERT_EQ(chosen.count(), 1);
+    EXPECT_EQ(chosen[0][0].toInt(), 0);
+    EXPECT_EQ(browser.FileName(0), beep);
+    setMCIManager(nullptr);
 }
 
 // A folder of 2,000 pictures: the first screen is there at once, and the window keeps
