@@ -105,6 +105,10 @@ TEST_F(BrowserTest, SelectionAndHoverMarksInvertWhatLiesUnder) {
     // Tile 1 is neither chosen nor under the mouse: no marks.
     EXPECT_EQ(image.pixel(10, kTile - 5), image.pixel(10, kTile - 7));
     EXPECT_EQ(image.pixel(1, 20), image.pixel(2, 20));
+    browser.setRightClickMenu(QStringLiteral("Open;1,Rename;2"));
+    mouse(QEvent::MouseButtonRelease, 5, Qt::RightButton);
+    ASSERT_EQ(responder.popups.size(), 1u);
+    EXPECT_EQ(responder.popups[0].keys, (QStringList{"1", "2"}));
     // Its picture, the red one, is in place.
     EXPECT_EQ(QColor(image.pixel(ctlBrowser::kDefaultThumbWidth / 2, kTile / 2 - 2)),
               QColor(Qt::red));
@@ -166,6 +170,8 @@ TEST(BrowserEmptyTest, AnEmptyFolderShowsNoTileAndAClickHitsNothing) {
     EXPECT_EQ(browser.list().Count(), 0);
     EXPECT_EQ(browser.HitTest(3), 0);
     EXPECT_FALSE(browser.VScroll()->isVisible());
+    browser.setThumbWidth(5000); // wider than the surface: the surface's width
+    EXPECT_EQ(browser.ThumbWidth(), browser.tabView()->width());
     QMouseEvent press(QEvent::MouseButtonPress, QPointF(10, 3), QPointF(10, 3), Qt::LeftButton,
                       Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(browser.tabView(), &press);
