@@ -376,8 +376,13 @@ void frmMain::placeToolPages() {
 
 void frmMain::InitTools() {
     ui->ctlVerticalTab1->SetTab(pref(QStringLiteral("SelectedTool"), QStringLiteral("0")).toInt());
-    const QString root = resolveDataPath(preference(
-        QStringLiteral("paths"), QStringLiteral("archive"), QStringLiteral("\\Archive\\")));
+    // Each pane's folder is looked up on its own: the application folder's copy when there is
+    // one (the recorder makes Sounds there), else the archive that came with the program.
+    const QString root = preference(QStringLiteral("paths"), QStringLiteral("archive"),
+                                    QStringLiteral("\\Archive\\"));
+    const auto archive = [&root](const char* folder) {
+        return resolveDataPath(root + QString::fromLatin1(folder));
+    };
     const auto setUp = [](ctlBrowser* browser, int type, const QString& caption) {
         browser->SetBrowserThumbType(type);
         browser->setCaptionVisible(true);
@@ -391,7 +396,7 @@ void frmMain::InitTools() {
     ctlBrowser* backgrounds = ui->ctlBrowserBackground;
     setUp(backgrounds, ctlBrowser::PictureThumbs, text(QStringLiteral("STR_BACKGROUND_TITLE")));
     backgrounds->setFiles(QStringLiteral("*.bmp,*.gif,*.jpg,*.jpeg"));
-    backgrounds->setPath(root + QStringLiteral("Backgrounds"));
+    backgrounds->setPath(archive("Backgrounds"));
     backgrounds->setThumbs(QString());
     backgrounds->setThumbHeight(backgrounds->ThumbWidth() * 3 / 4 + 16);
     backgrounds->LoadFiles();
@@ -401,7 +406,7 @@ void frmMain::InitTools() {
     ctlBrowser* symbols = ui->ctlBrowserPictures;
     setUp(symbols, ctlBrowser::PictureThumbs, text(QStringLiteral("STR_SYMBOLS_TITLE")));
     symbols->setFiles(QStringLiteral("*.bmp,*.gif,*.jpg,*.jpeg"));
-    symbols->setPath(root + QStringLiteral("Pictures"));
+    symbols->setPath(archive("Pictures"));
     symbols->setThumbs(QString());
     symbols->setThumbHeight(backgrounds->ThumbWidth() * 3 / 4 + 16);
     symbols->LoadFiles();
@@ -409,7 +414,7 @@ void frmMain::InitTools() {
     ctlBrowser* sounds = ui->ctlBrowserAudio;
     setUp(sounds, ctlBrowser::SoundThumbs, text(QStringLiteral("STR_AUDIO_TITLE")));
     sounds->setFiles(QStringLiteral("*.wav,*.mid,*.midi,*.imy"));
-    sounds->setPath(root + QStringLiteral("Sounds"));
+    sounds->setPath(archive("Sounds"));
     sounds->setThumbs(QStringLiteral("101,302,302,302"));
     sounds->setThumbHeight(48);
     sounds->LoadFiles();

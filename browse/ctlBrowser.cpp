@@ -399,6 +399,9 @@ void ctlBrowser::paintTile(QPainter& painter, int index) {
     if (thumb.state == Thumb::Ready) {
         QRect place(QPoint(0, 0), thumb.picture.size());
         place.moveCenter(box.center());
+        // A symbol with see-through parts shows on white, as it would on a slide.
+        if (mThumbType == PictureThumbs && thumb.picture.hasAlphaChannel())
+            painter.fillRect(place, Qt::white);
         painter.drawImage(place, thumb.picture);
         if (mThumbType == PictureThumbs) {
             painter.setPen(kFrameColour);
