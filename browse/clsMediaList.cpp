@@ -18,8 +18,9 @@ QStringList splitList(const QString& list) {
 // The files of `folder` matching `pattern`, sorted by name with case ignored.
 QStringList filesMatching(const QDir& folder, const QString& pattern) {
     // Without QDir::CaseSensitive the pattern ignores case, as the platform's find calls did.
-    return folder.entryList({pattern}, QDir::Files | QDir::Hidden | QDir::System,
-                            QDir::Name | QDir::IgnoreCase);
+    // Only regular files (and links to them): a pipe or device named like a picture would
+    // hang the reader.
+    return folder.entryList({pattern}, QDir::Files, QDir::Name | QDir::IgnoreCase);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -22,11 +23,14 @@ protected:
             ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         }
         QDir(dir.path()).mkdir(QStringLiteral("folder.bmp"));
+        ASSERT_EQ(
+            mkfifo(QFile::encodeName(dir.filePath(QStringLiteral("pipe.bmp"))).constData(), 0600),
+            0);
     }
     QTemporaryDir dir;
 };
 
-TEST_F(MediaListTest, ListsPatternByPatternByNameIgnoringCaseAndNeverFolders) {
+TEST_F(MediaListTest, ListsPatternByPatternByNameIgnoringCaseAndOnlyFiles) {
     struct Case {
         const char* filters;
         QStringList names;
