@@ -7,6 +7,7 @@
 #include "app/modMain.h"
 #include "audio/ctlAudioRecorder.h"
 #include "audio/modPlaySound.h"
+#include "browse/ctlBrowser.h"
 #include "browse/frmMessageList.h"
 #include "canvas/ctlPictureEditor.h"
 #include "canvas/ctlTextProperties.h"
@@ -140,6 +141,7 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::frm
             &frmMain::ctlPictureEditor1_CanvasChanged);
     connectTextPanel();
     connectSoundControls();
+    connectBrowsers();
     ui->lblCaption->installEventFilter(this);
     ui->lblMessageTitle->installEventFilter(this);
 
@@ -163,6 +165,39 @@ void frmMain::connectTextPanel() {
     connect(panel, &ctlTextProperties::Apply, canvas, &ctlPictureEditor::ApplyText);
     connect(panel, &ctlTextProperties::ColorPicker, canvas, &ctlPictureEditor::EnabledColorPicker);
     connect(panel, &ctlTextProperties::TextChanged, canvas, &ctlPictureEditor::ChangeText);
+}
+
+// The media panes hand their files to the canvas and the sound preview.
+void frmMain::connectBrowsers() {
+    ctlBrowser* backgrounds = ui->ctlBrowserBackground;
+    connect(backgrounds, &ctlBrowser::ItemChosen, this, [this, backgrounds](int index) {
+        const QString name = backgrounds->FileName(index);
+        ui->ctlPictureEditor1->AddBackgroundImage(index > 0 ? backgrounds->Path() + name : name);
+        mChanged = true;
+        EnableSlideCommands(true);
+    });
+    ctlBrowser* symbols = ui->ctlBrowserPictures;
+    connect(symbols, &ctlBrowser::ItemChosen, this, [this, symbols](int index) {
+        const QString name = symbols->FileName(index);
+        const QString file = index < 1 ? fileNameOf(name) : name;
+        ui->ctlPictureEditor1->AddImage(index < 1 ? name : symbols->Path() + name, file);
+    });
+    ctlBrowser* sounds = ui->ctlBrowserAudio;
+    connect(sounds, &ctlBrowser::ItemClick, this, [sounds](int index, int action) {
+        if (action == ctlBrowser::ActionPlay && !sounds->FileName(index).isEmpty())
+            playFile(sounds->Path() + sounds->FileName(index));
+        else if (action == ctlBrowser::ActionStop)
+            stopPlaying();
+    });
+    connect(sounds, &ctlBrowser::ItemChosen, this, [this, sounds](int index) {
+        const QString name = sounds->FileName(index);
+        QString file = index < 1 ? fileNameOf(name) : name;
+        QString folder = index < 1 ? name.left(name.size() - file.size()) : sounds->Path();
+        AssignSound(folder, file);
+    });
+    // A recording saved into the archive shows at once in the sounds pane.
+    connect(ui->ctlAudioRecorder1, &ctlAudioRecorder::ArchiveChanged, sounds,
+            [sounds] { sounds->LoadFiles(); });
 }
 
 frmMain::~frmMain() {
@@ -263,6 +298,9 @@ void frmMain::InitMessageManager() {
 
 void frmMain::InitSkin() {
     placeToolPages();
+    for (ctlBrowser* browser :
+         {ui->ctlBrowserBackground, ui->ctlBrowserPictures, ui->ctlBrowserAudio})
+        browser->SetControlBackColor(kToolBackColor, kToolAccentColor);
     ui->ctlTextProperties1->SetControlBackColor(kToolBackColor, kToolAccentColor);
     ui->ctlAudioRecorder1->SetControlBackColor(kToolBackColor, kToolAccentColor);
     mWindowWidth = mDocked ? kWindowWidthDocked : kWindowWidthUndocked;
@@ -352,6 +390,55 @@ void frmMain::placeToolPages() {
 
 void frmMain::InitTools() {
     ui->ctlVerticalTab1->SetTab(pref(QStringLiteral("SelectedTool"), QStringLiteral("0")).toInt());
+    // The archive is the user's own: on first use each folder is filled with the samples that
+    // came with the program, so recordings, added pictures and deletions all land in one place
+    // the user may change. Where the copy cannot be made, the panes show the samples themselves.
+    const QString root = preference(QStringLiteral("paths"), QStringLiteral("archive"),
+                                    QStringLiteral("\\Archive\\"));
+    const auto archive = [&root](const char* folder) {
+        const QString relative = root + QString::fromLatin1(folder);
+        const QString own = resolveAppPath(relative);
+        if (QFileInfo::exists(own))
+            return own;
+        const QString shipped = resolveDataPath(relative);
+        return seedFolder(shipped, own) ? own : shipped;
+    };
+    const auto setUp = [](ctlBrowser* browser, int type, const QString& caption) {
+        browser->SetBrowserThumbType(type);
+        browser->setCaptionVisible(true);
+        browser->setButtonsVisible(true);
+        QFont font = browser->TabFont();
+        font.setPointSize(11);
+        font.setBold(true);
+        browser->setTabFont(font);
+        browser->setCaption(caption);
+    };
+    ctlBrowser* backgrounds = ui->ctlBrowserBackground;
+    setUp(backgrounds, ctlBrowser::PictureThumbs, text(QStringLiteral("STR_BACKGROUND_TITLE")));
+    backgrounds->setFiles(QStringLiteral("*.bmp,*.gif,*.jpg,*.jpeg"));
+    backgrounds->setPath(archive("Backgrounds"));
+    backgrounds->setThumbs(QString());
+    backgrounds->setThumbHeight(backgrounds->ThumbWidth() * 3 / 4 + 16);
+    backgrounds->LoadFiles();
+    backgrounds->UseExternalBrowser(pref(QStringLiteral("ExtendedBrowser"), QStringLiteral("0")) ==
+                                    QLatin1String("1"));
+
+    ctlBrowser* symbols = ui->ctlBrowserPictures;
+    setUp(symbols, ctlBrowser::PictureThumbs, text(QStringLiteral("STR_SYMBOLS_TITLE")));
+    symbols->setFiles(QStringLiteral("*.bmp,*.gif,*.jpg,*.jpeg"));
+    symbols->setPath(archive("Pictures"));
+    symbols->setThumbs(QString());
+    symbols->setThumbHeight(backgrounds->ThumbWidth() * 3 / 4 + 16);
+    symbols->LoadFiles();
+
+    ctlBrowser* sounds = ui->ctlBrowserAudio;
+    setUp(sounds, ctlBrowser::SoundThumbs, text(QStringLiteral("STR_AUDIO_TITLE")));
+    sounds->setFiles(QStringLiteral("*.wav,*.mid,*.midi,*.imy"));
+    sounds->setPath(archive("Sounds"));
+    sounds->setThumbs(QStringLiteral("101,302,302,302"));
+    sounds->setThumbHeight(48);
+    sounds->LoadFiles();
+
     ui->ctlTextProperties1->setCaption(text(QStringLiteral("STR_TEXT_TITLE")));
     InitSoundTools();
 }
@@ -507,6 +594,12 @@ void frmMain::TranslateForm() {
     if (gLocalizer())
         ui->ctlAudioRecorder1->TranslateControl(gLocalizer());
     ui->ctlAudioRecorder1->setCaption(text(QStringLiteral("STR_AUDIO_REC_TITLE")));
+    for (ctlBrowser* browser :
+         {ui->ctlBrowserBackground, ui->ctlBrowserPictures, ui->ctlBrowserAudio})
+        browser->TranslateControl(gLocalizer());
+    ui->ctlBrowserBackground->setCaption(text(QStringLiteral("STR_BACKGROUND_TITLE")));
+    ui->ctlBrowserPictures->setCaption(text(QStringLiteral("STR_SYMBOLS_TITLE")));
+    ui->ctlBrowserAudio->setCaption(text(QStringLiteral("STR_AUDIO_TITLE")));
     ui->ctlTextProperties1->setCaption(text(QStringLiteral("STR_TEXT_TITLE")));
     const int tool = ui->ctlVerticalTab1->SelectedIndex();
     if (tool >= 0 && tool < int(std::size(kToolTitles)))

@@ -120,6 +120,7 @@ private:
     void TimerPlay_Timer();
     void ctlAudioRecorder1_PathsWanted(QString& archivePath, QString& messagePath);
     bool acceptSound(const QString& file, std::int32_t& duration);
+    void connectBrowsers();
     // Makes `message` the current one, shown from its first slide.
     void ShowMessage(std::shared_ptr<clsMessage> message, bool changed);
     void ShowSaveError();
