@@ -1,7 +1,6 @@
 // The folder transport: a phone whose storage is mounted as a folder (through gvfs or as mass
 // storage). The folder comes from the program's preferences; the phone is connected while the
 // folder exists, and sending copies the file into it.
-#include "config/clsPropertiesXML.h"
 #include "phone/TransportNames.h"
 #include "phone/TransportService.h"
 
@@ -11,6 +10,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTimer>
+#include <pugixml.hpp>
 
 namespace {
 
@@ -48,14 +48,26 @@ public:
     }
 
 private:
-    // The folder named by the preferences, read afresh so that a change is seen without a start.
+    // The folder named by the preferences, read afresh so that a change is seen without a
+    // start. The file is only read: it belongs to the program.
     QString folder() const {
-        if (mPreferences.isEmpty() || !QFileInfo::exists(mPreferences))
+        pugi::xml_document document;
+        if (mPreferences.isEmpty() ||
+            !document.load_file(QFile::encodeName(mPreferences).constData()))
             return QString();
-        clsPropertiesXML properties;
-        if (!properties.Initialize(mPreferences, mApplication))
-            return QString();
-        return properties.GetProp(kSection, kKey, QString());
+        for (const pugi::xml_node& application :
+             document.child("APPLICATIONS").children("APPLICATION")) {
+            if (QString::fromUtf8(application.attribute("name").value()).toLower() !=
+                mApplication.toLower())
+                continue;
+            for (const pugi::xml_node& section : application.child("SECTIONS").children("SECTION"))
+                if (QString::fromUtf8(section.attribute("name").value()) == kSection)
+                    for (const pugi::xml_node& key : section.children("KEY"))
+                        if (QString::fromUtf8(key.attribute("name").value()) == kKey)
+                            return QString::fromUtf8(key.text().get())
+                                .replace(QLatin1Char('\\'), QLatin1Char('/'));
+        }
+        return QString();
     }
 
     void check() {
