@@ -5,8 +5,11 @@
 #include <QStringList>
 #include <cstdint>
 #include <memory>
+#include <pugixml.hpp>
 
 class clsMessage;
+class clsSlide;
+class Failure;
 class QImage;
 class StatusSink;
 
@@ -66,6 +69,27 @@ public:
     // Writes `picture` as BMP (kind 0), BMP and JPEG (1) or GIF (2) beside `filePath`.
     bool SavePictureBoxImage(const QString& filePath, const QImage& picture, std::int32_t kind);
 
+    // Publishes `message` into the folder "mms" of its message folder: a picture per slide in the
+    // preference ImageFormat (jpg, gif, bmp), the slide's sound (a WAV converted to AMR when
+    // `convertSound`), its text, texts.xml and mms.smil, then the packages the template file
+    // types ask for (mms.tpl, mms.pkg and mms.sis). `timeFormat` 1 writes durations as "3.000s",
+    // any other value as "3000ms". Progress goes out through ProsessingSlide. Returns the
+    // status: 0 success, 1 the folder or the presentation could not be made, 2 a picture, 3 a
+    // sound could not be converted, 4 packing failed; GetSaveAsMMSStatus() then says "OK" or
+    // the failure's text.
+    std::int32_t SaveAsMMS(clsMessage& message, bool convertSound, std::int32_t timeFormat);
+    QString GetSaveAsMMSStatus() const { return mStatusText; }
+    // The files of the last publication, in the order they were made, separated by ";".
+    QString fileList() const { return mFileList; }
+    // The picture format publishing writes ("jpg", "gif", "bmp"); "" (the default) reads the
+    // preference ImageFormat at each SaveAsMMS.
+    void setPictureFormat(const QString& format) { mPictureFormat = format; }
+    // A folder searched for companion programs (makesis) before the executable's folder and
+    // <prefix>/libexec/tessaly; "" for none.
+    void setCompanionFolder(const QString& folder) { mCompanionFolder = folder; }
+    // The companion program `name` as found, or "".
+    QString companionProgram(const QString& name) const;
+
 signals:
     // Progress of publishing: a slide of a total, or with `slide` below 1 a phase in `total`.
     void ProsessingSlide(std::int16_t slide, std::int16_t total);
@@ -73,6 +97,35 @@ signals:
 private:
     void recoverMessage(const QString& name, const QStringList& staged,
                         const QStringList& previous);
+
+    // Where and how one publication writes.
+    struct PublishTarget {
+        QString messageFolder; // with a closing "/"
+        QString outputFolder;  // the folder "mms" in it, with a closing "/"
+        QString format;        // the preference ImageFormat
+        bool convertSound = true;
+        std::int32_t timeFormat = 0;
+    };
+    // The steps of SaveAsMMS.
+    bool prepareOutputFolder(const QString& outputFolder);
+    void makeTextsDocument(const QString& messageName);
+    pugi::xml_node makeSmilDocument(const QString& messageName);
+    void publishSlide(clsSlide& slide, pugi::xml_node body, const PublishTarget& target);
+    void saveDocuments(const QString& outputFolder);
+    void addToFileList(const QString& name);
+    void writeSlideText(pugi::xml_node parElement, clsSlide& slide, const QString& outputFolder);
+    QString convertSlidePicture(clsSlide& slide, const QString& outputFolder,
+                                const QString& messageFolder, const QString& format);
+    QString convertSlideSound(int index, const QString& soundPath, const QString& outputFolder,
+                              const QString& messageFolder, bool convertSound);
+    // Packaging of the published files.
+    bool packTemplate(const QString& outputFolder, const QString& name, const QString& fileList);
+    bool packSis(const QString& messageName, const QString& outputFolder, const QString& name,
+                 const QString& fileList);
+    void runMakesis(const QString& packagePath);
+    // Records a failed step: `status` and the failure's text under `key`.
+    void setFailure(std::int32_t status, const QString& key, const Failure& failure);
+    void phase(std::int16_t slide, std::int16_t total);
 
 protected:
     // The store folder of a message, checked: raises a failure when the store is not set up or
@@ -85,4 +138,12 @@ protected:
     StatusSink* mSink;
     bool mMakeTemplate = true;
     bool mMakeSis = true;
+    pugi::xml_document mTextsDocument;
+    pugi::xml_document mSmilDocument;
+    pugi::xml_node mMessageElement;
+    QString mFileList;
+    std::int32_t mStatus = 1;
+    QString mStatusText;
+    QString mCompanionFolder;
+    QString mPictureFormat;
 };
