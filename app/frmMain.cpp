@@ -22,6 +22,7 @@
 #include "document/clsMessage.h"
 #include "document/clsSlide.h"
 #include "document/clsSlides.h"
+#include "phone/clsMMSCommunication.h"
 #include "platform/AppPaths.h"
 #include "platform/Failure.h"
 #include "platform/Twips.h"
@@ -135,6 +136,7 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::frm
     connect(ui->ctlPictureEditor1, &ctlPictureEditor::CanvasChanged, this,
             &frmMain::ctlPictureEditor1_CanvasChanged);
     connectTextPanel();
+    connectSendCommands();
     ui->lblCaption->installEventFilter(this);
     ui->lblMessageTitle->installEventFilter(this);
 
@@ -233,6 +235,8 @@ void frmMain::Form_Activate() {
     QTimer::singleShot(0, this, &frmMain::OfferRecoveryCopy);
     mTimerRecovery->start();
 
+    if (!mCommunicationReady)
+        InitCommunication();
     gStarting = false;
 }
 
@@ -420,6 +424,7 @@ void frmMain::Form_Unload() {
         WriteRecoveryCopy();
 
     mMMSManager.reset();
+    mMMSCommunication.reset();
     delete mFrmOpen;
     mFrmOpen = nullptr;
 
@@ -573,6 +578,9 @@ void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
         break;
     case MenuKey::SlideBackground:
         ui->ctlPictureEditor1->SetBackgroundColor(0, true);
+        break;
+    case MenuKey::SlideDownloadPicture:
+        ShowDownloadPicture();
         break;
     case MenuKey::HelpAbout: {
         frmAbout about(this); // translates itself when it loads
