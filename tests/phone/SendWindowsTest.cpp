@@ -23,6 +23,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QRadioButton>
+#include <QScreen>
 #include <QTimer>
 
 namespace {
@@ -163,6 +164,20 @@ TEST_F(SendWindows, PictureWindowCannotBeClosedWhileSending) {
     EXPECT_FALSE(window.isVisible());
 }
 
+// With TESSALY_SCREENSHOT_DIR set, the screen under the main window is saved into that folder:
+//   TESSALY_SCREENSHOT_DIR=docs/screenshots QT_QPA_PLATFORM=xcb xvfb-run -a
+//     build/bin/phone_window_tests --gtest_filter='*MainWindowSends*'   (one command line)
+void photograph(QWidget* window, const QString& name) {
+    const QString folder = qEnvironmentVariable("TESSALY_SCREENSHOT_DIR");
+    if (folder.isEmpty())
+        return;
+    QTest::qWait(300); // the window system shows what was painted
+    const QRect area = window->frameGeometry();
+    EXPECT_TRUE(window->screen()
+                    ->grabWindow(0, area.x(), area.y(), area.width(), area.height())
+                    .save(QDir(folder).filePath(name)));
+}
+
 // The whole road from the main window: the transport chosen in the preferences starts with the
 // window, the lamp lights, Send publishes and the package arrives in the phone's folder; the
 // picture of the slide follows through its own window.
@@ -200,6 +215,7 @@ TEST_F(PhoneBusTest, MainWindowSendsToAPhoneFolder) {
         if (!sendWindow || !sendWindow->isVisible() || !sendWindow->cmdDownloadClose()->isEnabled())
             return;
         seen = {sendWindow->lblProcessStatus()->text(), sendWindow->lblDownloadError()->text()};
+        photograph(window, QStringLiteral("send-window-en.png"));
         sendWindow->cmdDownloadClose()->click();
     });
     closer->start(20);
