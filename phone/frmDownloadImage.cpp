@@ -13,6 +13,7 @@
 #include "store/clsMMSManager.h"
 
 #include <QMouseEvent>
+#include <QPainter>
 #include <QRadioButton>
 
 namespace {
@@ -131,4 +132,8 @@ void frmDownloadImage::reject() {
 void frmDownloadImage::mousePressEvent(QMouseEvent* event) {
     if (!mSending)
         DragWindow(this, event->button() == Qt::LeftButton ? 1 : 0);
+}
+
+void frmDownloadImage::paintEvent(QPaintEvent*) {
+    QPainter(this).drawPixmap(0, 0, formPicture(this));
 }

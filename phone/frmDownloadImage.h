@@ -46,6 +46,7 @@ public slots:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     // The steps of a send once the file is written.

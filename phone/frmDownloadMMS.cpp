@@ -15,6 +15,7 @@
 #include "store/clsMMSManager.h"
 
 #include <QMouseEvent>
+#include <QPainter>
 
 namespace {
 constexpr int kCaptionHeight = 32;
@@ -124,4 +125,8 @@ void frmDownloadMMS::CloseWindow() {
 
 void frmDownloadMMS::mousePressEvent(QMouseEvent* event) {
     DragWindow(this, event->button() == Qt::LeftButton ? 1 : 0);
+}
+
+void frmDownloadMMS::paintEvent(QPaintEvent*) {
+    QPainter(this).drawPixmap(0, 0, formPicture(this));
 }
