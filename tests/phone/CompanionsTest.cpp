@@ -7,6 +7,7 @@
 #include <QDBusObjectPath>
 #include <QDir>
 #include <QTemporaryDir>
+#include <QTest>
 
 namespace {
 
@@ -86,16 +87,15 @@ TEST_F(PhoneBusTest, BluetoothCompanionPushesToThePairedPhone) {
     const QString inbox = dir.filePath(QStringLiteral("inbox"));
     ASSERT_TRUE(QDir().mkpath(inbox));
     const QString python = QStringLiteral("/usr/bin/python3");
-    PrivateBus::start(python,
-                      {QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--system"),
-                       QStringLiteral("--template"), QStringLiteral("bluez5")});
-    PrivateBus::start(python,
-                      {QStringLiteral("-m"), QStringLiteral("dbusmock"),
-                       QStringLiteral("--template"), QStringLiteral(OBEX_OPP_TEMPLATE),
-                       QStringLiteral("-p"), QStringLiteral("{\"inbox\": \"%1\"}").arg(inbox)});
+    startHelper(python,
+                {QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--system"),
+                 QStringLiteral("--template"), QStringLiteral("bluez5")});
+    startHelper(python, {QStringLiteral("-m"), QStringLiteral("dbusmock"),
+                         QStringLiteral("--template"), QStringLiteral(OBEX_OPP_TEMPLATE),
+                         QStringLiteral("-p"), QStringLiteral("{\"inbox\": \"%1\"}").arg(inbox)});
     QDBusConnection system = QDBusConnection::systemBus();
-    ASSERT_TRUE(PrivateBus::waitForName(QStringLiteral("org.bluez"), system));
-    ASSERT_TRUE(PrivateBus::waitForName(QStringLiteral("org.bluez.obex")));
+    ASSERT_TRUE(waitForName(QStringLiteral("org.bluez"), true, system));
+    ASSERT_TRUE(waitForName(QStringLiteral("org.bluez.obex")));
 
     const QString address = QStringLiteral("11:22:33:44:55:66");
     const auto mock = [&](const QString& method, const QVariantList& arguments) {

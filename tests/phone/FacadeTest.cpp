@@ -4,6 +4,7 @@
 #include "phone/clsTransportServer.h"
 
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
 
 namespace {
@@ -17,8 +18,8 @@ protected:
         ASSERT_TRUE(dir.isValid());
         file = dir.filePath(QStringLiteral("mms.tpl"));
         writeFile(file, "package");
-        PrivateBus::start(QStringLiteral(TESSALY_BIN_DIR "/phone_fake_transport"), {kFake});
-        ASSERT_TRUE(PrivateBus::waitForName(Transport::busName(kFake)));
+        startHelper(QStringLiteral(TESSALY_BIN_DIR "/phone_fake_transport"), {kFake});
+        ASSERT_TRUE(waitForName(Transport::busName(kFake)));
         ASSERT_EQ(facade.Initialize(clsMMSCommunication::Obex), clsMMSCommunication::Obex);
     }
 
@@ -134,11 +135,11 @@ TEST_F(PhoneBusTest, CompanionStartsOnDemandAndQuitsWhenTheProgramLetsGo) {
     const QString name = Transport::busName(QStringLiteral("Q500Communication"));
     auto facade = std::make_unique<clsMMSCommunication>();
     ASSERT_EQ(facade->Initialize(clsMMSCommunication::Q500), clsMMSCommunication::Q500);
-    EXPECT_TRUE(PrivateBus::waitForName(name));
+    EXPECT_TRUE(waitForName(name));
     // Choosing again keeps the companion; giving it up ends it.
     ASSERT_EQ(facade->Initialize(clsMMSCommunication::Q500), clsMMSCommunication::Q500);
     EXPECT_EQ(facade->Initialize(clsMMSCommunication::None), clsMMSCommunication::None);
-    EXPECT_TRUE(PrivateBus::waitForNameGone(name));
+    EXPECT_TRUE(waitForName(name, false));
 }
 
 } // namespace

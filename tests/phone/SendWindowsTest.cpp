@@ -24,6 +24,7 @@
 #include <QLabel>
 #include <QRadioButton>
 #include <QScreen>
+#include <QTest>
 #include <QTimer>
 
 namespace {
@@ -66,10 +67,9 @@ protected:
                       method, arguments);
     }
     void connectFakePhone(const QString& phone) {
-        PrivateBus::start(QStringLiteral(TESSALY_BIN_DIR "/phone_fake_transport"),
-                          {QStringLiteral("ObexCommunication")});
-        ASSERT_TRUE(
-            PrivateBus::waitForName(Transport::busName(QStringLiteral("ObexCommunication"))));
+        startHelper(QStringLiteral(TESSALY_BIN_DIR "/phone_fake_transport"),
+                    {QStringLiteral("ObexCommunication")});
+        ASSERT_TRUE(waitForName(Transport::busName(QStringLiteral("ObexCommunication"))));
         ASSERT_EQ(facade.Initialize(clsMMSCommunication::Obex), clsMMSCommunication::Obex);
         QSignalSpy spy(&facade, &clsMMSCommunication::Connect);
         fake(QStringLiteral("AddDevice"), {2, phone});

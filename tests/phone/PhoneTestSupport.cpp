@@ -1,0 +1,75 @@
+#include "PhoneTestSupport.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QFile>
+#include <QProcess>
+#include <QTest>
+#include <memory>
+#include <vector>
+
+namespace {
+std::unique_ptr<QProcess> gDaemon; // one per test process, ended when it ends
+std::vector<std::unique_ptr<QProcess>> gHelpers;
+} // namespace
+
+void PhoneBusTest::SetUp() {
+    if (gDaemon)
+        return;
+    auto daemon = std::make_unique<QProcess>();
+    daemon->start(QStringLiteral("dbus-daemon"),
+                  {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                   QStringLiteral("--print-address=1")});
+    ASSERT_TRUE(daemon->waitForStarted(5000) && daemon->waitForReadyRead(5000))
+        << "dbus-daemon: " << daemon->errorString().toStdString();
+    const QByteArray address = daemon->readLine().trimmed();
+    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
+    gDaemon = std::move(daemon);
+}
+
+void PhoneBusTest::TearDown() {
+    for (auto& helper : gHelpers) {
+        helper->kill();
+        helper->waitForFinished(5000);
+    }
+    gHelpers.clear();
+}
+
+void PhoneBusTest::startHelper(const QString& program, const QStringList& arguments) {
+    auto helper = std::make_unique<QProcess>();
+    helper->setProcessChannelMode(QProcess::ForwardedChannels);
+    helper->start(program, arguments);
+    EXPECT_TRUE(helper->waitForStarted(5000)) << program.toStdString();
+    gHelpers.push_back(std::move(helper));
+}
+
+bool PhoneBusTest::waitForName(const QString& name, bool owned, QDBusConnection bus) {
+    return QTest::qWaitFor(
+        [&] { return bus.interface()->isServiceRegistered(name).value() == owned; }, 10000);
+}
+
+bool PhoneBusTest::waitForConnects(QSignalSpy& spy, int count) {
+    return QTest::qWaitFor([&] { return spy.count() >= count; }, 10000);
+}
+
+QByteArray PhoneBusTest::readAll(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+}
+
+void PhoneBusTest::writeFile(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+}
+
+QVariantList callOn(QDBusConnection bus, const QString& service, const QString& path,
+                    const QString& interface, const QString& method,
+                    const QVariantList& arguments) {
+    QDBusMessage message = QDBusMessage::createMethodCall(service, path, interface, method);
+    message.setArguments(arguments);
+    const QDBusMessage reply = bus.call(message, QDBus::Block, 10000);
+    EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage)
+        << method.toStdString() << ": " << reply.errorMessage().toStdString();
+    return reply.arguments();
+}
