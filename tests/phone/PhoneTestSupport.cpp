@@ -1,4 +1,5 @@
 #include "PhoneTestSupport.h"
+#include "phone/TransportNames.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -61,6 +62,25 @@ QByteArray PhoneBusTest::readAll(const QString& path) {
 void PhoneBusTest::writeFile(const QString& path, const QByteArray& bytes) {
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+}
+
+void PhoneBusTest::startFake(clsMMSCommunication& facade, const QString& phone) {
+    const QString name = QStringLiteral("ObexCommunication");
+    startHelper(QStringLiteral(TESSALY_BIN_DIR "/phone_fake_transport"), {name});
+    ASSERT_TRUE(waitForName(Transport::busName(name)));
+    ASSERT_EQ(facade.Initialize(clsMMSCommunication::Obex), clsMMSCommunication::Obex);
+    if (phone.isEmpty())
+        return;
+    QSignalSpy spy(&facade, &clsMMSCommunication::Connect);
+    fake(QStringLiteral("AddDevice"), {Transport::kLinkBluetooth, phone});
+    ASSERT_TRUE(waitForConnects(spy, 1));
+}
+
+QVariantList PhoneBusTest::fake(const QString& method, const QVariantList& arguments) {
+    return callOn(QDBusConnection::sessionBus(),
+                  Transport::busName(QStringLiteral("ObexCommunication")),
+                  QStringLiteral("/control"), QStringLiteral("org.tessaly.TestTransport1"), method,
+                  arguments);
 }
 
 QVariantList callOn(QDBusConnection bus, const QString& service, const QString& path,

@@ -21,6 +21,11 @@ protected:
     // Until the facade has raised `count` Connect events in all.
     static bool waitForConnects(QSignalSpy& spy, int count);
     static QByteArray readAll(const QString& path);
+    // The scripted companion (FakeTransport.cpp) under the Bluetooth companion's name, taken
+    // into use by `facade`; with `phone`, it reports that phone and the facade has heard of it.
+    static void startFake(clsMMSCommunication& facade, const QString& phone = {});
+    // A call on the scripted companion's control object.
+    static QVariantList fake(const QString& method, const QVariantList& arguments = {});
     static void writeFile(const QString& path, const QByteArray& bytes);
 };
 

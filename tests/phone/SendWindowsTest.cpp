@@ -59,23 +59,6 @@ protected:
         return message;
     }
 
-    // A scripted companion under the Bluetooth name, with one phone called `phone`.
-    QVariantList fake(const QString& method, const QVariantList& arguments = {}) {
-        return callOn(QDBusConnection::sessionBus(),
-                      Transport::busName(QStringLiteral("ObexCommunication")),
-                      QStringLiteral("/control"), QStringLiteral("org.tessaly.TestTransport1"),
-                      method, arguments);
-    }
-    void connectFakePhone(const QString& phone) {
-        startHelper(QStringLiteral(TESSALY_BIN_DIR "/phone_fake_transport"),
-                    {QStringLiteral("ObexCommunication")});
-        ASSERT_TRUE(waitForName(Transport::busName(QStringLiteral("ObexCommunication"))));
-        ASSERT_EQ(facade.Initialize(clsMMSCommunication::Obex), clsMMSCommunication::Obex);
-        QSignalSpy spy(&facade, &clsMMSCommunication::Connect);
-        fake(QStringLiteral("AddDevice"), {2, phone});
-        ASSERT_TRUE(waitForConnects(spy, 1));
-    }
-
     TestHome home{true};
     SharedConfig shared;
     ScriptedResponder boxes;
@@ -101,7 +84,7 @@ TEST_F(SendWindows, SendWithoutPhoneSaysSoAndCanBeClosed) {
 
 // The package follows the phone's name, whatever the transport: a "Q500" gets the installer.
 TEST_F(SendWindows, PackageIsChosenByTheDeviceName) {
-    connectFakePhone(QStringLiteral("Nokia q500 X"));
+    startFake(facade, QStringLiteral("Nokia q500 X"));
     auto message = storedMessage();
     frmDownloadMMS window(&manager, &facade, nullptr);
     window.DownloadMMS(*message, true, 0);
@@ -112,7 +95,7 @@ TEST_F(SendWindows, PackageIsChosenByTheDeviceName) {
 }
 
 TEST_F(SendWindows, FailedExportShowsItsReasonAndSendsNothing) {
-    connectFakePhone(QStringLiteral("Phone"));
+    startFake(facade, QStringLiteral("Phone"));
     const QString sound = home.file(QStringLiteral("broken.wav"));
     writeFile(sound, "RIFF0000WAVEnot a sound");
     auto message = storedMessage(sound);
@@ -128,7 +111,7 @@ TEST_F(SendWindows, FailedExportShowsItsReasonAndSendsNothing) {
 }
 
 TEST_F(SendWindows, PictureThatCannotBeConvertedIsNotSent) {
-    connectFakePhone(QStringLiteral("Phone"));
+    startFake(facade, QStringLiteral("Phone"));
     frmDownloadImage window(&manager, &facade, nullptr);
     window.setPicture(QImage()); // nothing to convert
     window.cmdDownload_Click();
@@ -136,32 +119,6 @@ TEST_F(SendWindows, PictureThatCannotBeConvertedIsNotSent) {
               text("STR_ERROR_PICT_CONV") + QStringLiteral("\n\n") + text("STR_NO_MSG_DOWNLOAD"));
     EXPECT_TRUE(fake(QStringLiteral("Files")).value(0).toStringList().isEmpty());
     EXPECT_TRUE(window.cmdDownload()->isEnabled());
-}
-
-TEST_F(SendWindows, PictureWindowCannotBeClosedWhileSending) {
-    connectFakePhone(QStringLiteral("Phone"));
-    fake(QStringLiteral("SetScenario"), {QStringLiteral("hold")});
-    QImage picture(160, 120, QImage::Format_RGB32);
-    picture.fill(Qt::yellow);
-    frmDownloadImage window(&manager, &facade, nullptr);
-    window.setPicture(picture);
-    window.optImageFmt(1)->setChecked(true);
-    window.show();
-    bool visibleAfterCancel = false;
-    QTimer::singleShot(50, [&] {
-        EXPECT_TRUE(window.sending());
-        EXPECT_FALSE(window.cmdCancel()->isEnabled());
-        window.cmdCancel_Click();
-        visibleAfterCancel = window.isVisible();
-        fake(QStringLiteral("EmitProgress"), {2});
-    });
-    window.cmdDownload_Click();
-    EXPECT_TRUE(visibleAfterCancel);
-    EXPECT_EQ(window.lblDownloadStatus()->text(), text("STR_READY"));
-    EXPECT_EQ(fake(QStringLiteral("Files")).value(0).toStringList(),
-              QStringList{manager.GetMessagePath() + QStringLiteral("MyImage.gif")});
-    window.cmdCancel_Click();
-    EXPECT_FALSE(window.isVisible());
 }
 
 // With TESSALY_SCREENSHOT_DIR set, the screen under the main window is saved into that folder:
