@@ -190,6 +190,7 @@ TEST_F(PhoneBusTest, MainWindowSendsToAPhoneFolder) {
         ASSERT_TRUE(pictureWindow);
         pictureWindow->cmdDownload_Click();
         seen = {pictureWindow->lblDownloadStatus()->text()};
+        photograph(window, QStringLiteral("send-picture-en.png"));
         pictureWindow->cmdCancel_Click();
     });
     window->ctlMainMenu1_MenuClick(25);
