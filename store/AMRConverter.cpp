@@ -1,6 +1,7 @@
 #include "store/AMRConverter.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <algorithm>
 #include <array>
@@ -57,17 +58,16 @@ sf_count_t memoryTell(void* user) {
     return static_cast<MemoryFile*>(user)->at;
 }
 
-// The sound's frames mixed down to one channel, at the file's own rate.
-bool readMono(const QByteArray& sound, std::vector<float>& mono, int& rate) {
-    MemoryFile file{&sound};
-    SF_VIRTUAL_IO io{memoryLength, memorySeek, memoryRead, memoryWrite, memoryTell};
-    SF_INFO info{};
-    SNDFILE* handle = sf_open_virtual(&io, SFM_READ, &info, &file);
+// The frames of an open sound mixed down to one channel, at its own rate; closes the handle.
+bool readMono(SNDFILE* handle, const SF_INFO& info, std::vector<float>& mono, int& rate) {
     if (!handle)
         return false;
     const int channels = info.channels;
     rate = info.samplerate;
     bool ok = channels > 0 && channels <= 256 && rate > 0;
+    // The header's frame count may be wrong in a damaged file: it only sizes the first reserve.
+    if (ok && info.frames > 0)
+        mono.reserve(std::size_t(std::min<sf_count_t>(info.frames, sf_count_t(1) << 26)));
     std::vector<float> block(std::size_t(std::max(channels, 1)) * 4096);
     while (ok) {
         const sf_count_t got = sf_readf_float(handle, block.data(), 4096);
@@ -147,9 +147,13 @@ int amrModeFromText(const QByteArray& mode) {
 }
 
 bool decodeSoundTo8kMono(const QByteArray& sound, std::vector<std::int16_t>& samples) {
+    MemoryFile file{&sound};
+    SF_VIRTUAL_IO io{memoryLength, memorySeek, memoryRead, memoryWrite, memoryTell};
+    SF_INFO info{};
     std::vector<float> mono;
     int rate = 0;
-    return readMono(sound, mono, rate) && resampleTo8k(mono, rate, samples);
+    return readMono(sf_open_virtual(&io, SFM_READ, &info, &file), info, mono, rate) &&
+           resampleTo8k(mono, rate, samples);
 }
 
 QByteArray encodeAmr(const std::vector<std::int16_t>& samples, int mode) {
@@ -192,8 +196,9 @@ bool decodeAmr(const QByteArray& amr, std::vector<std::int16_t>& samples) {
     return whole;
 }
 
-QByteArray wavFile(const std::vector<std::int16_t>& samples) {
+QByteArray wavFile(const std::vector<std::int16_t>& samples, int rate, int channels) {
     const auto dataBytes = std::uint32_t(samples.size() * 2);
+    const auto frameBytes = std::uint32_t(2 * channels);
     QByteArray out;
     out.reserve(qsizetype(44 + dataBytes));
     out.append("RIFF");
@@ -201,10 +206,10 @@ QByteArray wavFile(const std::vector<std::int16_t>& samples) {
     out.append("WAVEfmt ");
     putLe(out, 16, 4);
     putLe(out, 1, 2); // PCM
-    putLe(out, 1, 2); // mono
-    putLe(out, kRate, 4);
-    putLe(out, kRate * 2, 4);
-    putLe(out, 2, 2);
+    putLe(out, std::uint32_t(channels), 2);
+    putLe(out, std::uint32_t(rate), 4);
+    putLe(out, std::uint32_t(rate) * frameBytes, 4);
+    putLe(out, frameBytes, 2);
     putLe(out, 16, 2);
     out.append("data");
     putLe(out, dataBytes, 4);
@@ -217,9 +222,14 @@ int wav2amr(const QByteArray& wavPath, const QByteArray& amrPath, const QByteArr
     const int amrMode = amrModeFromText(mode);
     if (amrMode < 0)
         return AmrUnknownMode;
-    QByteArray sound;
+    // Read from the file in blocks: a long sound is never held whole at its own rate twice.
+    SF_INFO info{};
+    std::vector<float> mono;
+    int rate = 0;
     std::vector<std::int16_t> samples;
-    if (!readFile(wavPath, sound) || !decodeSoundTo8kMono(sound, samples))
+    if (!QFileInfo(QFile::decodeName(wavPath)).isFile() ||
+        !readMono(sf_open(wavPath.constData(), SFM_READ, &info), info, mono, rate) ||
+        !resampleTo8k(mono, rate, samples))
         return AmrUnreadableInput;
     return writeFile(amrPath, encodeAmr(samples, amrMode)) ? AmrOk : AmrUnwritableOutput;
 }
@@ -231,5 +241,5 @@ int amr2wav(const QByteArray& amrPath, const QByteArray& wavPath) {
     std::vector<std::int16_t> samples;
     if (!decodeAmr(amr, samples))
         return AmrDamagedStream;
-    return writeFile(wavPath, wavFile(samples)) ? AmrOk : AmrUnwritableOutput;
+    return writeFile(wavPath, wavFile(samples, kRate, 1)) ? AmrOk : AmrUnwritableOutput;
 }

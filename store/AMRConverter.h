@@ -31,7 +31,7 @@ bool decodeSoundTo8kMono(const QByteArray& sound, std::vector<std::int16_t>& sam
 QByteArray encodeAmr(const std::vector<std::int16_t>& samples, int mode);
 // The AMR file in `amr` as 8 kHz mono samples; false when it is not a whole AMR-NB stream.
 bool decodeAmr(const QByteArray& amr, std::vector<std::int16_t>& samples);
-// `samples` as a 16-bit 8 kHz mono WAV file.
-QByteArray wavFile(const std::vector<std::int16_t>& samples);
+// Interleaved 16-bit `samples` as a WAV file.
+QByteArray wavFile(const std::vector<std::int16_t>& samples, int rate, int channels);
 // The encoder's mode for a mode text, or -1.
 int amrModeFromText(const QByteArray& mode);

@@ -20,6 +20,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QRegularExpression>
 #include <QSaveFile>
 #include <sstream>
 
@@ -105,6 +106,15 @@ QStringList packedFiles(const QString& fileList) {
     return files;
 }
 
+// Whether `text` may stand as it is between the quotes of an XML attribute: no "<", no quote,
+// no control character, and "&" only where it begins a reference. The parser takes some of these
+// without a word; the presentation must stay readable by any player.
+bool fitsAttribute(const QString& text) {
+    static const QRegularExpression illegal(QStringLiteral(
+        "[<\"\\x00-\\x08\\x0B\\x0C\\x0E-\\x1F]|&(?!(#[0-9]+|#x[0-9A-Fa-f]+|[A-Za-z_][\\w.-]*);)"));
+    return !illegal.match(text).hasMatch();
+}
+
 // A name that can be a folder of the store: publishing must not reach outside it.
 bool isStoreFolderName(const QString& name) {
     return !name.isEmpty() && name != QLatin1String(".") && name != QLatin1String("..") &&
@@ -174,6 +184,10 @@ void clsMMSManager::phase(std::int16_t slide, std::int16_t total) {
 }
 
 bool clsMMSManager::prepareOutputFolder(const QString& outputFolder) {
+    // Emptying goes through the folder itself only: a link named "mms" would empty its target.
+    if (QFileInfo(QDir::cleanPath(outputFolder)).isSymLink())
+        fail(FailureNumber::PathFileAccess, QString::fromUtf8(kSource),
+             QStringLiteral("%1 is a link").arg(outputFolder));
     QDir folder(outputFolder);
     if (!folder.exists())
         return QDir().mkpath(outputFolder);
@@ -198,6 +212,9 @@ void clsMMSManager::makeTextsDocument(const QString& messageName) {
 pugi::xml_node clsMMSManager::makeSmilDocument(const QString& messageName) {
     // The name goes into the template as text: a name with a character an attribute cannot
     // hold makes the template unreadable, and the publication stops there.
+    if (!fitsAttribute(messageName))
+        fail(FailureNumber::XmlLayer, QString::fromUtf8(kSource),
+             QStringLiteral("The name \"%1\" cannot stand in an attribute").arg(messageName));
     QByteArray text = joinLines(kSmilTemplate);
     text.replace("<name>", utf8(messageName));
     loadTemplate(mSmilDocument, text);

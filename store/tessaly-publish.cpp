@@ -19,7 +19,9 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QTemporaryDir>
 #include <cstdio>
 #include <memory>
 #include <unistd.h>
@@ -108,16 +110,22 @@ Options readOptions(const QCoreApplication& app) {
     return options;
 }
 
-// The user's preferences and language, read only: the command never writes them.
-void loadConfig(SharedConfig& shared) {
+// The user's preferences (or, without them, the installed defaults) and language. The store
+// reads a copy in `scratch`: whatever it would write back goes there, never to the user's file.
+void loadConfig(SharedConfig& shared, const QTemporaryDir& scratch) {
+    QString source = joinPath(appFolder(), QStringLiteral("tessaly.xml"));
+    if (!QFileInfo(source).isFile())
+        source = joinPath(installedDataFolder(), QStringLiteral("tessaly.xml"));
+    const QString copy = scratch.filePath(QStringLiteral("tessaly.xml"));
+    if (!scratch.isValid() || !QFileInfo(source).isFile() || !QFile::copy(source, copy))
+        return; // the built-in defaults serve
     auto properties = std::make_unique<clsPropertiesXML>();
-    properties->Initialize(joinPath(appFolder(), QStringLiteral("tessaly.xml")),
-                           QStringLiteral("tessaly"));
+    properties->Initialize(copy, QStringLiteral("tessaly"));
     clsPropertiesXML& store = shared.setProperties(std::move(properties));
     try {
-        clsXMLocalizer& localizer = shared.setLocalizer(std::make_unique<clsXMLocalizer>(store));
-        localizer.SetLanguage(store.GetProp(QStringLiteral("preferences"),
-                                            QStringLiteral("Language"), QStringLiteral("en-us")));
+        shared.setLocalizer(std::make_unique<clsXMLocalizer>(store))
+            .SetLanguage(store.GetProp(QStringLiteral("preferences"), QStringLiteral("Language"),
+                                       QStringLiteral("en-us")));
     } catch (const Failure&) {
         // Without a language file the texts show their keys.
         shared.releaseLocalizer();
@@ -141,8 +149,9 @@ int main(int argc, char** argv) {
         qputenv("TESSALY_EXE_NAME", "tessaly");
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("tessaly-publish"));
+    const QTemporaryDir scratch;
     SharedConfig shared;
-    loadConfig(shared);
+    loadConfig(shared, scratch);
     const Options options = readOptions(app);
 
     const QFileInfo folder(QDir::cleanPath(QDir(options.folder).absolutePath()));

@@ -4,42 +4,27 @@
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
 #include "document/clsMessage.h"
+#include "document/clsSlide.h"
+#include "store/AMRConverter.h"
 #include "store/clsMMSManager.h"
 #include "support/TestHome.h"
 
-#include <QByteArray>
+#include <QFile>
 #include <QImage>
-#include <QString>
+#include <QProcess>
 #include <cmath>
-#include <memory>
 #include <pugixml.hpp>
+#include <sstream>
 
-// A sine of `ms` milliseconds as a 16-bit PCM WAV file.
+using namespace Qt::StringLiterals;
+
+// A 440 Hz sine of `ms` milliseconds as a 16-bit PCM WAV file.
 inline QByteArray sineWav(int rate, int channels, int ms) {
-    const int frames = int(std::int64_t(rate) * ms / 1000);
-    QByteArray data;
-    for (int i = 0; i < frames; ++i) {
-        const auto sample = std::int16_t(8000 * std::sin(2 * M_PI * 440.0 * i / rate));
-        for (int c = 0; c < channels; ++c)
-            data.append(char(sample & 0xFF)).append(char((sample >> 8) & 0xFF));
-    }
-    QByteArray out("RIFF");
-    const auto le = [&out](std::uint32_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i)
-            out.append(char((value >> (8 * i)) & 0xFF));
-    };
-    le(36 + std::uint32_t(data.size()), 4);
-    out.append("WAVEfmt ");
-    le(16, 4);
-    le(1, 2);
-    le(std::uint32_t(channels), 2);
-    le(std::uint32_t(rate), 4);
-    le(std::uint32_t(rate * channels * 2), 4);
-    le(std::uint32_t(channels * 2), 2);
-    le(16, 2);
-    out.append("data");
-    le(std::uint32_t(data.size()), 4);
-    return out + data;
+    std::vector<std::int16_t> samples;
+    for (int i = 0; i < int(std::int64_t(rate) * ms / 1000); ++i)
+        samples.insert(samples.end(), std::size_t(channels),
+                       std::int16_t(8000 * std::sin(2 * M_PI * 440.0 * i / rate)));
+    return wavFile(samples, rate, channels);
 }
 
 // A store in a fresh application folder with the shipped preferences and English texts.
@@ -50,14 +35,12 @@ struct PublishStore {
     PublishStore() {
         shared.setProperties(std::make_unique<clsPropertiesXML>());
         shared.setLocalizer(std::make_unique<clsXMLocalizer>(*gProperties()))
-            .SetLanguage(QStringLiteral("en-us"));
-        manager.Initialize(home.file(QStringLiteral("Messages")), QStringLiteral("message.xml"));
+            .SetLanguage(u"en-us"_s);
+        manager.Initialize(home.file(u"Messages"_s), u"message.xml"_s);
     }
-    QString folder(const QString& name) const {
-        return home.file(QStringLiteral("Messages/") + name + QLatin1Char('/'));
-    }
-    QString output(const QString& name) const { return folder(name) + QStringLiteral("mms/"); }
-    // A message of slides with a coloured picture each, saved; `edit` shapes slide i (1-based).
+    QString folder(const QString& name) const { return home.file(u"Messages/"_s + name + u'/'); }
+    QString output(const QString& name) const { return folder(name) + u"mms/"_s; }
+    // A saved message of `slides` slides with a picture each; `edit` shapes slide i (1-based).
     template <typename Edit>
     std::shared_ptr<clsMessage> make(const QString& name, int slides, Edit edit) {
         auto message = manager.CreateMsg(name);
@@ -68,9 +51,7 @@ struct PublishStore {
             slide->setImage(picture);
             edit(i, *slide);
         }
-        if (!message->SaveMessage())
-            return nullptr;
-        return message;
+        return message->SaveMessage() ? message : nullptr;
     }
 };
 
@@ -82,4 +63,27 @@ inline std::string canonicalXml(const QByteArray& text) {
     std::ostringstream out;
     document.save(out, "", pugi::format_raw | pugi::format_no_declaration);
     return out.str();
+}
+
+inline QByteArray readFile(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
+}
+
+// Runs a program; its stdout and stderr, and its exit code in `exitCode`.
+inline QByteArray runTool(const QString& program, const QStringList& arguments,
+                          int* exitCode = nullptr) {
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(60000))
+        return "(did not finish)";
+    if (exitCode)
+        *exitCode = process.exitCode() + (process.exitStatus() == QProcess::CrashExit ? 1000 : 0);
+    return process.readAllStandardOutput() + process.readAllStandardError();
+}
+
+// The member names of a tar archive, as tar lists them.
+inline QStringList tarNames(const QString& archive) {
+    return QString::fromUtf8(runTool(u"tar"_s, {u"tf"_s, archive}))
+        .split(u'\n', Qt::SkipEmptyParts);
 }
