@@ -7,6 +7,8 @@
 #include <QTest>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Status = clsMMSCommunication::Status;
@@ -17,10 +19,10 @@ protected:
         PhoneBusTest::SetUp();
         writeFile(file, "package");
     }
-    QStringList filesSent() { return fake(QStringLiteral("Files")).value(0).toStringList(); }
+    QStringList filesSent() { return fake(u"Files"_s).value(0).toStringList(); }
 
     QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("mms.tpl"));
+    const QString file = dir.filePath(u"mms.tpl"_s);
     clsMMSCommunication facade;
 };
 
@@ -32,31 +34,31 @@ TEST_F(FacadeTest, SendWithoutDeviceGivesNoDeviceAndSendsNothing) {
 }
 
 TEST_F(FacadeTest, SecondDeviceIsIgnoredAndItsLeavingKeepsTheFirst) {
-    startFake(facade, QStringLiteral("Phone A"));
+    startFake(facade, u"Phone A"_s);
     QSignalSpy spy(&facade, &clsMMSCommunication::Connect);
-    fake(QStringLiteral("AddDevice"), {2, QStringLiteral("Phone B")});
-    fake(QStringLiteral("RemoveDevice"), {2, QStringLiteral("Phone B")});
+    fake(u"AddDevice"_s, {2, u"Phone B"_s});
+    fake(u"RemoveDevice"_s, {2, u"Phone B"_s});
     ASSERT_TRUE(waitForConnects(spy, 2));
     EXPECT_TRUE(facade.connected());
-    EXPECT_EQ(facade.deviceName(), QStringLiteral("Phone A"));
+    EXPECT_EQ(facade.deviceName(), u"Phone A"_s);
     EXPECT_EQ(facade.deviceId(), facade.deviceName());
     // Every event passes on, with the name the facade holds.
-    EXPECT_EQ(spy.at(1), (QVariantList{false, 2, QStringLiteral("Phone A")}));
+    EXPECT_EQ(spy.at(1), (QVariantList{false, 2, u"Phone A"_s}));
 
-    fake(QStringLiteral("RemoveDevice"), {2, QStringLiteral("Phone A")});
+    fake(u"RemoveDevice"_s, {2, u"Phone A"_s});
     ASSERT_TRUE(waitForConnects(spy, 3));
     EXPECT_FALSE(facade.connected());
     EXPECT_EQ(facade.deviceId(), QString());
 }
 
 TEST_F(FacadeTest, OnlyTheEndStatesOfProgressEndTheWait) {
-    startFake(facade, QStringLiteral("Phone"));
+    startFake(facade, u"Phone"_s);
     const std::pair<const char*, std::int32_t> cases[] = {
         {"complete", Status::Sent},
         {"noise", Status::Sent}, // 1, 3, 0, 5 pass; only 2 ends the wait
         {"fail", Status::Failed}};
     for (const auto& [scenario, status] : cases) {
-        fake(QStringLiteral("SetScenario"), {QString::fromLatin1(scenario)});
+        fake(u"SetScenario"_s, {QString::fromLatin1(scenario)});
         EXPECT_EQ(facade.SendFile(file), status) << scenario;
         EXPECT_FALSE(facade.sending()) << scenario;
     }
@@ -64,21 +66,21 @@ TEST_F(FacadeTest, OnlyTheEndStatesOfProgressEndTheWait) {
 }
 
 TEST_F(FacadeTest, RefusedSendStaysBusyUntilProgressClearsIt) {
-    startFake(facade, QStringLiteral("Phone"));
-    fake(QStringLiteral("SetScenario"), {QStringLiteral("refuse")});
+    startFake(facade, u"Phone"_s);
+    fake(u"SetScenario"_s, {u"refuse"_s});
     EXPECT_EQ(facade.SendFile(file), Status::Failed);
     EXPECT_EQ(facade.SendFile(file), Status::Busy);
-    fake(QStringLiteral("EmitProgress"), {4});
+    fake(u"EmitProgress"_s, {4});
     ASSERT_TRUE(QTest::qWaitFor([&] { return !facade.sending(); }, 5000));
 }
 
 TEST_F(FacadeTest, SendWhileSendingGivesBusy) {
-    startFake(facade, QStringLiteral("Phone"));
-    fake(QStringLiteral("SetScenario"), {QStringLiteral("hold")});
+    startFake(facade, u"Phone"_s);
+    fake(u"SetScenario"_s, {u"hold"_s});
     std::int32_t second = -1;
     QTimer::singleShot(50, [&] { // inside the first send's wait
         second = facade.SendFile(file);
-        fake(QStringLiteral("EmitProgress"), {2});
+        fake(u"EmitProgress"_s, {2});
     });
     EXPECT_EQ(facade.SendFile(file), Status::Sent);
     EXPECT_EQ(second, Status::Busy);
@@ -86,9 +88,9 @@ TEST_F(FacadeTest, SendWhileSendingGivesBusy) {
 }
 
 TEST_F(FacadeTest, CompanionEndingDuringASendGivesFailedAndDropsThePhone) {
-    startFake(facade, QStringLiteral("Phone"));
+    startFake(facade, u"Phone"_s);
     QSignalSpy spy(&facade, &clsMMSCommunication::Connect);
-    fake(QStringLiteral("SetScenario"), {QStringLiteral("crash")});
+    fake(u"SetScenario"_s, {u"crash"_s});
     EXPECT_EQ(facade.SendFile(file), Status::Failed);
     EXPECT_FALSE(facade.sending());
     ASSERT_TRUE(waitForConnects(spy, 1));
@@ -106,7 +108,7 @@ TEST_F(FacadeTest, CompanionThatIsNotInstalledGivesTypeNone) {
 }
 
 TEST_F(FacadeTest, CompanionStartsOnDemandAndQuitsWhenTheProgramLetsGo) {
-    const QString name = Transport::busName(QStringLiteral("Q500Communication"));
+    const QString name = Transport::busName(u"Q500Communication"_s);
     ASSERT_EQ(facade.Initialize(clsMMSCommunication::Q500), clsMMSCommunication::Q500);
     EXPECT_TRUE(waitForName(name));
     // Choosing again keeps the companion; giving it up ends it.

@@ -9,6 +9,8 @@
 #include <memory>
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 std::unique_ptr<QProcess> gDaemon; // one per test process, ended when it ends
 std::vector<std::unique_ptr<QProcess>> gHelpers;
@@ -18,9 +20,7 @@ void PhoneBusTest::SetUp() {
     if (gDaemon)
         return;
     auto daemon = std::make_unique<QProcess>();
-    daemon->start(QStringLiteral("dbus-daemon"),
-                  {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                   QStringLiteral("--print-address=1")});
+    daemon->start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
     ASSERT_TRUE(daemon->waitForStarted(5000) && daemon->waitForReadyRead(5000))
         << "dbus-daemon: " << daemon->errorString().toStdString();
     const QByteArray address = daemon->readLine().trimmed();
@@ -65,22 +65,20 @@ void PhoneBusTest::writeFile(const QString& path, const QByteArray& bytes) {
 }
 
 void PhoneBusTest::startFake(clsMMSCommunication& facade, const QString& phone) {
-    const QString name = QStringLiteral("ObexCommunication");
+    const QString name = u"ObexCommunication"_s;
     startHelper(QStringLiteral(TESSALY_BIN_DIR "/phone_fake_transport"), {name});
     ASSERT_TRUE(waitForName(Transport::busName(name)));
     ASSERT_EQ(facade.Initialize(clsMMSCommunication::Obex), clsMMSCommunication::Obex);
     if (phone.isEmpty())
         return;
     QSignalSpy spy(&facade, &clsMMSCommunication::Connect);
-    fake(QStringLiteral("AddDevice"), {Transport::kLinkBluetooth, phone});
+    fake(u"AddDevice"_s, {Transport::kLinkBluetooth, phone});
     ASSERT_TRUE(waitForConnects(spy, 1));
 }
 
 QVariantList PhoneBusTest::fake(const QString& method, const QVariantList& arguments) {
-    return callOn(QDBusConnection::sessionBus(),
-                  Transport::busName(QStringLiteral("ObexCommunication")),
-                  QStringLiteral("/control"), QStringLiteral("org.tessaly.TestTransport1"), method,
-                  arguments);
+    return callOn(QDBusConnection::sessionBus(), Transport::busName(u"ObexCommunication"_s),
+                  u"/control"_s, u"org.tessaly.TestTransport1"_s, method, arguments);
 }
 
 QVariantList callOn(QDBusConnection bus, const QString& service, const QString& path,

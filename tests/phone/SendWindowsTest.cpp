@@ -27,6 +27,8 @@
 #include <QTest>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QString text(const char* key) {
@@ -40,19 +42,19 @@ protected:
         PhoneBusTest::SetUp();
         shared.setProperties(std::make_unique<clsPropertiesXML>());
         shared.setLocalizer(std::make_unique<clsXMLocalizer>(*gProperties()))
-            .SetLanguage(QStringLiteral("en-us"));
-        manager.Initialize(home.file(QStringLiteral("Messages")), QStringLiteral("message.xml"));
+            .SetLanguage(u"en-us"_s);
+        manager.Initialize(home.file(u"Messages"_s), u"message.xml"_s);
         manager.ClearTemplateFileType(2); // the template is all these sends need
     }
 
     // A stored message of one slide with a picture, and a sound when `sound` is given.
     std::shared_ptr<clsMessage> storedMessage(const QString& sound = {}) {
-        auto message = manager.CreateMsg(QStringLiteral("Greeting"));
+        auto message = manager.CreateMsg(u"Greeting"_s);
         auto slide = message->Slides()->Add();
         QImage picture(160, 120, QImage::Format_RGB32);
         picture.fill(Qt::darkCyan);
         slide->setImage(picture);
-        slide->setText(QStringLiteral("Hello"));
+        slide->setText(u"Hello"_s);
         if (!sound.isEmpty())
             slide->setSound(sound);
         EXPECT_TRUE(message->SaveMessage());
@@ -75,7 +77,7 @@ TEST_F(SendWindows, SendWithoutPhoneSaysSoAndCanBeClosed) {
     EXPECT_EQ(window.lblProcessStatus()->text(), text("STR_NO_MSG_DOWNLOAD"));
     EXPECT_EQ(window.lblDownloadError()->text(), text("STR_NO_DEVICE_CONNECTED"));
     EXPECT_TRUE(window.cmdDownloadClose()->isEnabled());
-    EXPECT_TRUE(QFileInfo::exists(message->Path() + QStringLiteral("mms/mms.tpl")));
+    EXPECT_TRUE(QFileInfo::exists(message->Path() + u"mms/mms.tpl"_s));
 
     window.cmdDownloadClose()->click();
     EXPECT_FALSE(window.isVisible());
@@ -84,40 +86,40 @@ TEST_F(SendWindows, SendWithoutPhoneSaysSoAndCanBeClosed) {
 
 // The package follows the phone's name, whatever the transport: a "Q500" gets the installer.
 TEST_F(SendWindows, PackageIsChosenByTheDeviceName) {
-    startFake(facade, QStringLiteral("Nokia q500 X"));
+    startFake(facade, u"Nokia q500 X"_s);
     auto message = storedMessage();
     frmDownloadMMS window(&manager, &facade, nullptr);
     window.DownloadMMS(*message, true, 0);
-    EXPECT_EQ(fake(QStringLiteral("Files")).value(0).toStringList(),
-              QStringList{message->Path() + QStringLiteral("mms/mms.sis")});
+    EXPECT_EQ(fake(u"Files"_s).value(0).toStringList(),
+              QStringList{message->Path() + u"mms/mms.sis"_s});
     EXPECT_EQ(window.lblProcessStatus()->text(), text("STR_READY"));
     EXPECT_TRUE(window.lblDownloadError()->text().isEmpty());
 }
 
 TEST_F(SendWindows, FailedExportShowsItsReasonAndSendsNothing) {
-    startFake(facade, QStringLiteral("Phone"));
-    const QString sound = home.file(QStringLiteral("broken.wav"));
+    startFake(facade, u"Phone"_s);
+    const QString sound = home.file(u"broken.wav"_s);
     writeFile(sound, "RIFF0000WAVEnot a sound");
     auto message = storedMessage(sound);
     frmDownloadMMS window(&manager, &facade, nullptr);
     window.DownloadMMS(*message, true, 0);
     EXPECT_TRUE(window.lblProcessStatus()->text().isEmpty());
     EXPECT_EQ(window.lblDownloadError()->text(),
-              manager.GetSaveAsMMSStatus() + QStringLiteral("\n\n") + text("STR_NO_FILE_DOWNLOAD"));
+              manager.GetSaveAsMMSStatus() + u"\n\n"_s + text("STR_NO_FILE_DOWNLOAD"));
     EXPECT_TRUE(manager.GetSaveAsMMSStatus().startsWith(text("STR_ERROR_AUDIO_CONV")))
         << manager.GetSaveAsMMSStatus().toStdString();
-    EXPECT_TRUE(fake(QStringLiteral("Files")).value(0).toStringList().isEmpty());
+    EXPECT_TRUE(fake(u"Files"_s).value(0).toStringList().isEmpty());
     EXPECT_TRUE(window.cmdDownloadClose()->isEnabled());
 }
 
 TEST_F(SendWindows, PictureThatCannotBeConvertedIsNotSent) {
-    startFake(facade, QStringLiteral("Phone"));
+    startFake(facade, u"Phone"_s);
     frmDownloadImage window(&manager, &facade, nullptr);
     window.setPicture(QImage()); // nothing to convert
     window.cmdDownload_Click();
     EXPECT_EQ(window.lblDownloadStatus()->text(),
-              text("STR_ERROR_PICT_CONV") + QStringLiteral("\n\n") + text("STR_NO_MSG_DOWNLOAD"));
-    EXPECT_TRUE(fake(QStringLiteral("Files")).value(0).toStringList().isEmpty());
+              text("STR_ERROR_PICT_CONV") + u"\n\n"_s + text("STR_NO_MSG_DOWNLOAD"));
+    EXPECT_TRUE(fake(u"Files"_s).value(0).toStringList().isEmpty());
     EXPECT_TRUE(window.cmdDownload()->isEnabled());
 }
 
@@ -142,26 +144,22 @@ TEST_F(PhoneBusTest, MainWindowSendsToAPhoneFolder) {
     TestHome home(true);
     ScriptedResponder boxes;
     SharedConfig shared;
-    const QString phone = home.file(QStringLiteral("Phone"));
+    const QString phone = home.file(u"Phone"_s);
     ASSERT_TRUE(QDir().mkpath(phone));
     clsPropertiesXML& properties = shared.setProperties(std::make_unique<clsPropertiesXML>());
-    properties.SetProp(QStringLiteral("preferences"), QStringLiteral("CommunicationType"),
-                       QStringLiteral("3"));
-    properties.SetProp(QStringLiteral("preferences"), QStringLiteral("PhoneFolder"), phone);
-    properties.SetProp(QStringLiteral("preferences"), QStringLiteral("AskNewSlide"),
-                       QStringLiteral("0"));
+    properties.SetProp(u"preferences"_s, u"CommunicationType"_s, u"3"_s);
+    properties.SetProp(u"preferences"_s, u"PhoneFolder"_s, phone);
+    properties.SetProp(u"preferences"_s, u"AskNewSlide"_s, u"0"_s);
     ASSERT_TRUE(properties.SaveXmlFile()); // the companion reads the file
-    shared.setLocalizer(std::make_unique<clsXMLocalizer>(properties))
-        .SetLanguage(QStringLiteral("en-us"));
+    shared.setLocalizer(std::make_unique<clsXMLocalizer>(properties)).SetLanguage(u"en-us"_s);
     gStarting = true;
     gSplashActive = false;
     QPointer<frmMain> window = new frmMain();
     window->show();
     ASSERT_TRUE(window->MMSCommunication());
     ASSERT_TRUE(QTest::qWaitFor([&] { return window->MMSCommunication()->connected(); }, 10000));
-    EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("lblPhoneConnected"))->text(),
-              QStringLiteral("Phone"));
-    EXPECT_EQ(window->findChild<ctlBlink*>(QStringLiteral("ctlBlink1"))->Mode(), 3);
+    EXPECT_EQ(window->findChild<QLabel*>(u"lblPhoneConnected"_s)->text(), u"Phone"_s);
+    EXPECT_EQ(window->findChild<ctlBlink*>(u"ctlBlink1"_s)->Mode(), 3);
     EXPECT_TRUE(boxes.boxes.empty());
     window->MMSManager()->ClearTemplateFileType(2);
 
@@ -172,16 +170,16 @@ TEST_F(PhoneBusTest, MainWindowSendsToAPhoneFolder) {
         if (!sendWindow || !sendWindow->isVisible() || !sendWindow->cmdDownloadClose()->isEnabled())
             return;
         seen = {sendWindow->lblProcessStatus()->text(), sendWindow->lblDownloadError()->text()};
-        photograph(window, QStringLiteral("send-window-en.png"));
+        photograph(window, u"send-window-en.png"_s);
         sendWindow->cmdDownloadClose()->click();
     });
     closer->start(20);
     window->setChanged(true);
-    window->findChild<GrButtonIII*>(QStringLiteral("cmdDownload"))->click();
+    window->findChild<GrButtonIII*>(u"cmdDownload"_s)->click();
     closer->stop();
     EXPECT_EQ(seen, (QStringList{text("STR_READY"), QString()}));
-    const QString published = window->message()->Path() + QStringLiteral("mms/mms.tpl");
-    EXPECT_EQ(readAll(QDir(phone).filePath(QStringLiteral("mms.tpl"))), readAll(published));
+    const QString published = window->message()->Path() + u"mms/mms.tpl"_s;
+    EXPECT_EQ(readAll(QDir(phone).filePath(u"mms.tpl"_s)), readAll(published));
     EXPECT_TRUE(readAll(published).contains("mms.smil"));
     EXPECT_TRUE(window->changed()) << "the store before the send is no change of state";
 
@@ -191,12 +189,12 @@ TEST_F(PhoneBusTest, MainWindowSendsToAPhoneFolder) {
         ASSERT_TRUE(pictureWindow);
         pictureWindow->cmdDownload_Click();
         seen = {pictureWindow->lblDownloadStatus()->text()};
-        photograph(window, QStringLiteral("send-picture-en.png"));
+        photograph(window, u"send-picture-en.png"_s);
         pictureWindow->cmdCancel_Click();
     });
     window->ctlMainMenu1_MenuClick(25);
     EXPECT_EQ(seen, QStringList{text("STR_READY")});
-    const QImage sent(QDir(phone).filePath(QStringLiteral("MyImage.jpg")));
+    const QImage sent(QDir(phone).filePath(u"MyImage.jpg"_s));
     EXPECT_EQ(sent.size(), QSize(160, 120));
     delete window.data();
 }
