@@ -67,7 +67,7 @@ def main():
         subprocess.run([cmake, "--install", build, "--prefix", prefix], check=True,
                        stdout=subprocess.DEVNULL)
         share = os.path.join(prefix, "share")
-        for path in ("bin/tessaly", "share/tessaly/tessaly.xml", "share/tessaly/skin/default/main.bmp",
+        for path in ("bin/tessaly", "bin/tessaly-publish", "share/tessaly/tessaly.xml", "share/tessaly/skin/default/main.bmp",
                      "share/tessaly/language/tessaly/en-us.xml", "share/applications/tessaly.desktop"):
             check(os.path.isfile(os.path.join(prefix, path)), "installed: " + path)
         for size in (48, 256):
@@ -79,6 +79,7 @@ def main():
                                  stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
             check(run.returncode == 0 and not run.stdout.strip(), "valid entry: " + run.stdout)
 
+        programs = sorted(os.listdir(os.path.join(prefix, "bin")))
         home = os.path.join(work, "home")
         os.mkdir(home)
         user = os.path.join(home, ".local/share/tessaly")
@@ -87,7 +88,7 @@ def main():
         start(prefix, home, os.path.join(work, "first.txt"), "First")
         check(os.path.isfile(preferences) and wanted <= keys_of(preferences),
               "the user's preferences hold every default key")
-        check(os.listdir(os.path.join(prefix, "bin")) == ["tessaly"],
+        check(sorted(os.listdir(os.path.join(prefix, "bin"))) == programs,
               "nothing of the user's is written beside the program")
 
         with open(preferences, "w") as f:
