@@ -68,7 +68,9 @@ def main():
                        stdout=subprocess.DEVNULL)
         share = os.path.join(prefix, "share")
         for path in ("bin/tessaly", "bin/tessaly-publish", "share/tessaly/tessaly.xml", "share/tessaly/skin/default/main.bmp",
-                     "share/tessaly/language/tessaly/en-us.xml", "share/applications/tessaly.desktop"):
+                     "share/tessaly/language/tessaly/en-us.xml", "share/applications/tessaly.desktop",
+                     "libexec/tessaly/IrCommunication", "libexec/tessaly/ObexCommunication",
+                     "libexec/tessaly/Q500Communication"):
             check(os.path.isfile(os.path.join(prefix, path)), "installed: " + path)
         for size in (48, 256):
             icon = os.path.join(share, "icons/hicolor/%dx%d/apps/tessaly.png" % (size, size))
