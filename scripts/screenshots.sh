@@ -17,8 +17,8 @@ mkdir -p "$out"
 command -v import >/dev/null || { echo "ImageMagick's import is missing (apt-get install imagemagick)"; exit 1; }
 
 # Runs a program under a virtual display and a session bus of its own (the phone transport
-# starts on it) with the environment given, waits, and saves the main
-# window's corner of the screen. Arguments: program, picture, seconds, then VAR=value pairs.
+# starts on it) with the environment given, waits, and saves the main window's corner of the
+# screen. Arguments: program, picture, seconds, then VAR=value pairs.
 shoot() {
   local program=$1 picture=$2 seconds=$3
   shift 3
