@@ -21,6 +21,8 @@
 namespace {
 
 QStringList gCompanionFolders;
+int gStartTimeoutMs = clsTransportServer::kStartTimeoutMs;
+int gCallTimeoutMs = clsTransportServer::kCallTimeoutMs;
 
 QDBusConnection bus() {
     return QDBusConnection::sessionBus();
@@ -78,6 +80,11 @@ void clsTransportServer::setCompanionFolders(const QStringList& folders) {
     gCompanionFolders = folders;
 }
 
+void clsTransportServer::setTimeouts(int startMs, int callMs) {
+    gStartTimeoutMs = startMs > 0 ? startMs : kStartTimeoutMs;
+    gCallTimeoutMs = callMs > 0 ? callMs : kCallTimeoutMs;
+}
+
 clsTransportServer::clsTransportServer(const QString& companion)
     : mCompanion(companion), mBusName(Transport::busName(companion)) {}
 
@@ -92,7 +99,7 @@ std::unique_ptr<clsTransportServer> clsTransportServer::create(const QString& co
             fail(companion, QStringLiteral("The companion is not installed"));
         if (!QProcess::startDetached(program, arguments))
             fail(companion, QStringLiteral("The companion could not be started: ") + program);
-        if (!waitForName(name, kStartTimeoutMs))
+        if (!waitForName(name, gStartTimeoutMs))
             fail(companion, QStringLiteral("The companion did not answer in time"));
     }
 
@@ -130,7 +137,7 @@ QVariantList clsTransportServer::call(const QString& method, const QVariantList&
     QDBusMessage message =
         QDBusMessage::createMethodCall(mBusName, Transport::kPath, Transport::kInterface, method);
     message.setArguments(arguments);
-    const QDBusMessage reply = bus().call(message, QDBus::Block, kCallTimeoutMs);
+    const QDBusMessage reply = bus().call(message, QDBus::Block, gCallTimeoutMs);
     if (reply.type() != QDBusMessage::ReplyMessage)
         raiseFailure(FailureNumber::InvalidProcedureCall, mCompanion + QLatin1Char('.') + method,
                      reply.errorMessage());

@@ -29,6 +29,8 @@ public:
     static QStringList companionFolders();
     // Replaces that list (an empty list restores it); for tests.
     static void setCompanionFolders(const QStringList& folders);
+    // Replaces the two time limits above (0 restores one); for tests on a loaded machine.
+    static void setTimeouts(int startMs, int callMs);
 
     // Stops monitoring (without waiting for an answer).
     ~clsTransportServer() override;

@@ -139,7 +139,7 @@ private:
     void readDevices() {
         QDBusMessage call = QDBusMessage::createMethodCall(
             kBluez, QStringLiteral("/"), kObjectManager, QStringLiteral("GetManagedObjects"));
-        const QDBusMessage reply = QDBusConnection::systemBus().call(call, QDBus::Block, 5000);
+        const QDBusMessage reply = QDBusConnection::systemBus().call(call);
         ObjectMap objects;
         if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty())
             objects = qdbus_cast<ObjectMap>(reply.arguments().first());

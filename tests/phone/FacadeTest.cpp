@@ -71,7 +71,7 @@ TEST_F(FacadeTest, RefusedSendStaysBusyUntilProgressClearsIt) {
     EXPECT_EQ(facade.SendFile(file), Status::Failed);
     EXPECT_EQ(facade.SendFile(file), Status::Busy);
     fake(u"EmitProgress"_s, {4});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !facade.sending(); }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !facade.sending(); }, 30000));
 }
 
 TEST_F(FacadeTest, SendWhileSendingGivesBusy) {

@@ -1,5 +1,6 @@
 #include "PhoneTestSupport.h"
 #include "phone/TransportNames.h"
+#include "phone/clsTransportServer.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -17,11 +18,13 @@ std::vector<std::unique_ptr<QProcess>> gHelpers;
 } // namespace
 
 void PhoneBusTest::SetUp() {
+    // A machine busy with other builds may take seconds to start a companion.
+    clsTransportServer::setTimeouts(30000, 30000);
     if (gDaemon)
         return;
     auto daemon = std::make_unique<QProcess>();
     daemon->start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
-    ASSERT_TRUE(daemon->waitForStarted(5000) && daemon->waitForReadyRead(5000))
+    ASSERT_TRUE(daemon->waitForStarted(30000) && daemon->waitForReadyRead(30000))
         << "dbus-daemon: " << daemon->errorString().toStdString();
     const QByteArray address = daemon->readLine().trimmed();
     qputenv("DBUS_SESSION_BUS_ADDRESS", address);
@@ -41,17 +44,17 @@ void PhoneBusTest::startHelper(const QString& program, const QStringList& argume
     auto helper = std::make_unique<QProcess>();
     helper->setProcessChannelMode(QProcess::ForwardedChannels);
     helper->start(program, arguments);
-    EXPECT_TRUE(helper->waitForStarted(5000)) << program.toStdString();
+    EXPECT_TRUE(helper->waitForStarted(30000)) << program.toStdString();
     gHelpers.push_back(std::move(helper));
 }
 
 bool PhoneBusTest::waitForName(const QString& name, bool owned, QDBusConnection bus) {
     return QTest::qWaitFor(
-        [&] { return bus.interface()->isServiceRegistered(name).value() == owned; }, 10000);
+        [&] { return bus.interface()->isServiceRegistered(name).value() == owned; }, 30000);
 }
 
 bool PhoneBusTest::waitForConnects(QSignalSpy& spy, int count) {
-    return QTest::qWaitFor([&] { return spy.count() >= count; }, 10000);
+    return QTest::qWaitFor([&] { return spy.count() >= count; }, 30000);
 }
 
 QByteArray PhoneBusTest::readAll(const QString& path) {
@@ -86,7 +89,7 @@ QVariantList callOn(QDBusConnection bus, const QString& service, const QString& 
                     const QVariantList& arguments) {
     QDBusMessage message = QDBusMessage::createMethodCall(service, path, interface, method);
     message.setArguments(arguments);
-    const QDBusMessage reply = bus.call(message, QDBus::Block, 10000);
+    const QDBusMessage reply = bus.call(message, QDBus::Block, 30000);
     EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage)
         << method.toStdString() << ": " << reply.errorMessage().toStdString();
     return reply.arguments();

@@ -157,7 +157,7 @@ TEST_F(PhoneBusTest, MainWindowSendsToAPhoneFolder) {
     QPointer<frmMain> window = new frmMain();
     window->show();
     ASSERT_TRUE(window->MMSCommunication());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window->MMSCommunication()->connected(); }, 10000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window->MMSCommunication()->connected(); }, 30000));
     EXPECT_EQ(window->findChild<QLabel*>(u"lblPhoneConnected"_s)->text(), u"Phone"_s);
     EXPECT_EQ(window->findChild<ctlBlink*>(u"ctlBlink1"_s)->Mode(), 3);
     EXPECT_TRUE(boxes.boxes.empty());
@@ -167,7 +167,10 @@ TEST_F(PhoneBusTest, MainWindowSendsToAPhoneFolder) {
     auto* closer = new QTimer(window);
     QObject::connect(closer, &QTimer::timeout, [&] {
         frmDownloadMMS* sendWindow = window->FrmDownloadMMS();
-        if (!sendWindow || !sendWindow->isVisible() || !sendWindow->cmdDownloadClose()->isEnabled())
+        // Done once the close button is back and the opening line has gone.
+        if (!sendWindow || !sendWindow->isVisible() ||
+            !sendWindow->cmdDownloadClose()->isEnabled() ||
+            sendWindow->lblProcessStatus()->text() == text("STR_DOWNLOAD_MSG"))
             return;
         seen = {sendWindow->lblProcessStatus()->text(), sendWindow->lblDownloadError()->text()};
         photograph(window, u"send-window-en.png"_s);
