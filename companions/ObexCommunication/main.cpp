@@ -139,7 +139,8 @@ private:
     void readDevices() {
         QDBusMessage call = QDBusMessage::createMethodCall(
             kBluez, QStringLiteral("/"), kObjectManager, QStringLiteral("GetManagedObjects"));
-        const QDBusMessage reply = QDBusConnection::systemBus().call(call);
+        // Answered within the program's own limit for Monitor, also when BlueZ hangs.
+        const QDBusMessage reply = QDBusConnection::systemBus().call(call, QDBus::Block, 4000);
         ObjectMap objects;
         if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty())
             objects = qdbus_cast<ObjectMap>(reply.arguments().first());
