@@ -26,6 +26,7 @@
 #include "document/clsMessage.h"
 #include "document/clsSlide.h"
 #include "document/clsSlides.h"
+#include "phone/clsMMSCommunication.h"
 #include "platform/AppPaths.h"
 #include "platform/Failure.h"
 #include "platform/Twips.h"
@@ -143,6 +144,7 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::frm
     connectTextPanel();
     connectSoundControls();
     connectBrowsers();
+    connectSendCommands();
     ui->lblCaption->installEventFilter(this);
     ui->lblMessageTitle->installEventFilter(this);
 
@@ -276,6 +278,8 @@ void frmMain::Form_Activate() {
     QTimer::singleShot(0, this, &frmMain::OfferRecoveryCopy);
     mTimerRecovery->start();
 
+    if (!mCommunicationReady)
+        InitCommunication();
     gStarting = false;
 }
 
@@ -517,6 +521,7 @@ void frmMain::Form_Unload() {
         WriteRecoveryCopy();
 
     mMMSManager.reset();
+    mMMSCommunication.reset();
     delete mFrmOpen;
     mFrmOpen = nullptr;
 
@@ -706,6 +711,9 @@ void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
         break;
     case MenuKey::SlideBackground:
         ui->ctlPictureEditor1->SetBackgroundColor(0, true);
+        break;
+    case MenuKey::SlideDownloadPicture:
+        ShowDownloadPicture();
         break;
     case MenuKey::HelpAbout: {
         frmAbout about(this); // translates itself when it loads

@@ -7,6 +7,8 @@
 
 class QTimer;
 class clsMMSManager;
+class clsMMSCommunication;
+class frmDownloadMMS;
 class clsMessage;
 class clsSlide;
 class frmMessageList;
@@ -38,6 +40,9 @@ public:
     bool changed() const { return mChanged; }
     void setChanged(bool changed) { mChanged = changed; }
     clsMMSManager* MMSManager() const { return mMMSManager.get(); }
+    clsMMSCommunication* MMSCommunication() const { return mMMSCommunication.get(); }
+    // The send window, once a message was sent.
+    frmDownloadMMS* FrmDownloadMMS() const { return mFrmDownloadMMS; }
     QTimer* TimerExitWait() const { return mTimerExitWait; }
     // Writes the recovery copy of a changed message every minute.
     QTimer* TimerRecovery() const { return mTimerRecovery; }
@@ -65,6 +70,9 @@ public:
     frmSettings* settingsWindow() const { return mFrmSettings; }
     void mfrmSettings_Apply(bool changed);
     void mfrmSettings_Ok(bool changed);
+    // Sending to the phone (frmMainSend.cpp).
+    void SendMessageToPhone();
+    void ShowDownloadPicture();
     void MMSCommunication_Connect(bool connected, int connectionType, const QString& name);
     // The system ends the program: it ends as Exit does, without asking; a changed message is
     // kept as the recovery copy and the preferences are saved.
@@ -108,6 +116,9 @@ private:
     void InitMessageManager();
     void InitSkin();
     void InitTools();
+    void InitCommunication();
+    void MMSManager_ProsessingSlide(std::int16_t slideIndex, std::int16_t slideCount);
+    void connectSendCommands();
     void TimerExitWait_Timer();
     void TimerRecovery_Timer();
     void WriteRecoveryCopy();
@@ -147,6 +158,9 @@ private:
     int mWindowHeight = kWindowHeight;
     bool mDocked = false;
     std::unique_ptr<clsMMSManager> mMMSManager;
+    std::unique_ptr<clsMMSCommunication> mMMSCommunication;
+    frmDownloadMMS* mFrmDownloadMMS = nullptr;
+    bool mCommunicationReady = false;
     frmMessageList* mFrmOpen = nullptr;
     frmSettings* mFrmSettings = nullptr;
     QTimer* mTimerExitWait = nullptr;

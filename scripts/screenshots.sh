@@ -16,12 +16,13 @@ out=docs/screenshots
 mkdir -p "$out"
 command -v import >/dev/null || { echo "ImageMagick's import is missing (apt-get install imagemagick)"; exit 1; }
 
-# Runs a program under a virtual display with the environment given, waits, and saves the main
-# window's corner of the screen. Arguments: program, picture, seconds, then VAR=value pairs.
+# Runs a program under a virtual display and a session bus of its own (the phone transport
+# starts on it) with the environment given, waits, and saves the main window's corner of the
+# screen. Arguments: program, picture, seconds, then VAR=value pairs.
 shoot() {
   local program=$1 picture=$2 seconds=$3
   shift 3
-  env -u TESSALY_HOME -u XDG_DATA_HOME "$@" xvfb-run -a -s "-screen 0 1024x768x24" bash -c "
+  env -u TESSALY_HOME -u XDG_DATA_HOME "$@" dbus-run-session -- xvfb-run -a -s "-screen 0 1024x768x24" bash -c "
     '$program' & pid=\$!
     sleep $seconds
     import -window root -crop 644x488+0+0 '$out/$picture'

@@ -50,6 +50,8 @@ protected:
         shared->setProperties(std::make_unique<clsPropertiesXML>())
             .SetProp(QStringLiteral("preferences"), QStringLiteral("AskNewSlide"),
                      QStringLiteral("0"));
+        gProperties()->SetProp(QStringLiteral("preferences"), QStringLiteral("CommunicationType"),
+                               QStringLiteral("0")); // no phone: the tests of sending have theirs
         shared->setLocalizer(std::make_unique<clsXMLocalizer>(*gProperties()))
             .SetLanguage(QStringLiteral("en-us"));
         gStarting = true;

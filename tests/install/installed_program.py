@@ -37,7 +37,9 @@ def start(prefix, home, report, name, app_home=None):
                TESSALY_SMOKE_REPORT=report, TESSALY_SMOKE_NAME=name)
     if app_home:
         env["TESSALY_HOME"] = app_home
-    run = subprocess.run([os.path.join(prefix, "bin", "tessaly")], env=env, cwd=home,
+    # A session bus of its own, as a desktop session gives, for the phone transport it starts.
+    bus = ["dbus-run-session", "--"] if shutil.which("dbus-run-session") else []
+    run = subprocess.run(bus + [os.path.join(prefix, "bin", "tessaly")], env=env, cwd=home,
                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=120)
     check(run.returncode == 0, "the program ends with 0 (it gave %d)" % run.returncode)
     values = {}
@@ -66,7 +68,9 @@ def main():
                        stdout=subprocess.DEVNULL)
         share = os.path.join(prefix, "share")
         for path in ("bin/tessaly", "bin/tessaly-publish", "share/tessaly/tessaly.xml", "share/tessaly/skin/default/main.bmp",
-                     "share/tessaly/language/tessaly/en-us.xml", "share/applications/tessaly.desktop"):
+                     "share/tessaly/language/tessaly/en-us.xml", "share/applications/tessaly.desktop",
+                     "libexec/tessaly/IrCommunication", "libexec/tessaly/ObexCommunication",
+                     "libexec/tessaly/Q500Communication"):
             check(os.path.isfile(os.path.join(prefix, path)), "installed: " + path)
         for size in (48, 256):
             icon = os.path.join(share, "icons/hicolor/%dx%d/apps/tessaly.png" % (size, size))

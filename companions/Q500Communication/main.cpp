@@ -1,0 +1,132 @@
+// The folder transport: a phone whose storage is mounted as a folder (through gvfs or as mass
+// storage). The folder comes from the program's preferences; the phone is connected while the
+// folder exists, and sending copies the file into it.
+#include "phone/TransportNames.h"
+#include "phone/TransportService.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTimer>
+#include <pugixml.hpp>
+
+namespace {
+
+const QString kSection = QStringLiteral("preferences");
+const QString kKey = QStringLiteral("PhoneFolder");
+
+class FolderBackend : public TransportBackend {
+    Q_OBJECT
+public:
+    FolderBackend(const QString& preferences, const QString& application, QObject* parent)
+        : TransportBackend(parent), mPreferences(preferences), mApplication(application) {
+        mPoll.setInterval(1000);
+        connect(&mPoll, &QTimer::timeout, this, &FolderBackend::check);
+    }
+
+    void setWatching(bool on) override {
+        if (!on) {
+            mPoll.stop();
+            return;
+        }
+        mPoll.start();
+        // Every new watcher hears of the phone that is there.
+        mPresent.clear();
+        check();
+    }
+
+    bool beginSend(const QString& path) override {
+        check();
+        const QFileInfo source(path);
+        if (mPresent.isEmpty() || !source.isFile())
+            return false;
+        // Reported once the program is back in its wait.
+        QTimer::singleShot(0, this, [this, path] { copy(path); });
+        return true;
+    }
+
+private:
+    // The folder named by the preferences, read afresh so that a change is seen without a
+    // start. The file is only read: it belongs to the program.
+    QString folder() const {
+        pugi::xml_document document;
+        if (mPreferences.isEmpty() ||
+            !document.load_file(QFile::encodeName(mPreferences).constData()))
+            return QString();
+        for (const pugi::xml_node& application :
+             document.child("APPLICATIONS").children("APPLICATION")) {
+            if (QString::fromUtf8(application.attribute("name").value()).toLower() !=
+                mApplication.toLower())
+                continue;
+            for (const pugi::xml_node& section : application.child("SECTIONS").children("SECTION"))
+                if (QString::fromUtf8(section.attribute("name").value()) == kSection)
+                    for (const pugi::xml_node& key : section.children("KEY"))
+                        if (QString::fromUtf8(key.attribute("name").value()) == kKey)
+                            return QString::fromUtf8(key.text().get())
+                                .replace(QLatin1Char('\\'), QLatin1Char('/'));
+        }
+        return QString();
+    }
+
+    void check() {
+        const QString current = folder();
+        const QString present = !current.isEmpty() && QFileInfo(current).isDir()
+                                    ? QDir(current).absolutePath()
+                                    : QString();
+        if (present == mPresent)
+            return;
+        if (!mPresent.isEmpty())
+            emit deviceChanged(false, Transport::kLinkFolder, deviceName(mPresent));
+        mPresent = present;
+        if (!mPresent.isEmpty())
+            emit deviceChanged(true, Transport::kLinkFolder, deviceName(mPresent));
+    }
+
+    static QString deviceName(const QString& folder) {
+        const QString name = QFileInfo(folder).fileName();
+        return name.isEmpty() ? folder : name;
+    }
+
+    void copy(const QString& path) {
+        emit progress(Transport::kProgressActive, 0);
+        const QString target = QDir(mPresent).filePath(QFileInfo(path).fileName());
+        // Written beside under a temporary name, then put in place.
+        const QString partial = target + QStringLiteral(".part");
+        QFile::remove(partial);
+        bool ok = QFile::copy(path, partial);
+        if (ok) {
+            QFile::remove(target);
+            ok = QFile::rename(partial, target);
+        }
+        if (!ok)
+            QFile::remove(partial);
+        emit progress(ok ? Transport::kProgressDone : Transport::kProgressFailed, ok ? 100 : 0);
+    }
+
+    QString mPreferences;
+    QString mApplication;
+    QString mPresent;
+    QTimer mPoll;
+};
+
+TransportBackend* makeBackend(QObject* parent) {
+    QCommandLineParser parser;
+    parser.addOption({QStringLiteral("preferences"), QStringLiteral("The preferences file."),
+                      QStringLiteral("file")});
+    parser.addOption({QStringLiteral("application"),
+                      QStringLiteral("The application's name in that file."),
+                      QStringLiteral("name"), QStringLiteral("tessaly")});
+    parser.process(*QCoreApplication::instance());
+    return new FolderBackend(parser.value(QStringLiteral("preferences")),
+                             parser.value(QStringLiteral("application")), parent);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    return runTransportCompanion(argc, argv, QStringLiteral("Q500Communication"), &makeBackend);
+}
+
+#include "main.moc"

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QDBusContext>
+#include <QObject>
+#include <QSet>
+#include <QString>
+
+class QDBusServiceWatcher;
+class QTimer;
+
+// What a companion does with devices: it watches for them while asked to, and starts a
+// transfer of one file. It reports devices and progress through its signals.
+class TransportBackend : public QObject {
+    Q_OBJECT
+public:
+    using QObject::QObject;
+    // Starts (true) or stops watching for devices. Starting reports every present device.
+    virtual void setWatching(bool on) = 0;
+    // Starts sending `path` to the device; false when no transfer could begin.
+    virtual bool beginSend(const QString& path) = 0;
+    virtual void setCommandLine(const QString& commandTemplate) { Q_UNUSED(commandTemplate); }
+
+signals:
+    void deviceChanged(bool connected, int id, const QString& name);
+    void progress(int state, int value);
+};
+
+// The object a companion serves on the session bus. It owns its name only after the object is
+// registered, and quits when the last program that asked it to monitor has left the bus (or
+// when nobody asks within the start-up grace, or the bus goes away).
+class TransportService : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.tessaly.Transport1")
+
+public:
+    static constexpr int kStartGraceMs = 30000;
+
+    TransportService(const QString& companion, TransportBackend* backend,
+                     QObject* parent = nullptr);
+    // Registers the object, then the name (without queueing). False when either fails; the
+    // reason is written to stderr.
+    bool registerOnBus();
+
+public slots:
+    Q_SCRIPTABLE void Monitor(bool on);
+    Q_SCRIPTABLE bool SendFile(const QString& path);
+    Q_SCRIPTABLE void SetCommandLine(const QString& commandTemplate);
+
+signals:
+    Q_SCRIPTABLE void Connect(bool connected, int id, const QString& name);
+    Q_SCRIPTABLE void Progress(int state, int value);
+
+private:
+    void callerLeft(const QString& caller);
+    void quitWhenUnused();
+
+    QString mCompanion;
+    TransportBackend* mBackend;
+    QSet<QString> mCallers;
+    QDBusServiceWatcher* mCallerWatcher;
+    QTimer* mGraceTimer;
+    QTimer* mBusCheck;
+};
+
+// The main() of a companion: a core application, the backend `makeBackend` gives, the service.
+int runTransportCompanion(int argc, char** argv, const QString& companion,
+                          TransportBackend* (*makeBackend)(QObject* parent));
