@@ -4,6 +4,9 @@
 #include "app/SmokeRun.h"
 #include "app/TessalyApplication.h"
 #include "app/frmMain.h"
+#include "audio/clsMCIManager.h"
+#include "audio/modMCI.h"
+#include "audio/modPlaySound.h"
 #include "config/clsProperties.h"
 #include "config/clsPropertiesXML.h"
 #include "config/clsXMLocalizer.h"
@@ -174,9 +177,19 @@ void reportFailure(const Failure& failure, const QString& step) {
            Vb::Critical, localText(QStringLiteral("STR_ERROR")));
 }
 
+bool hasWaveOutDevice() {
+    return waveOutGetNumDevs() >= 1;
+}
+
 void releaseSharedObjects() {
+    stopPlaying();
     if (SharedConfig* shared = SharedConfig::current())
         shared->releaseProperties(); // saves a changed store
+    if (clsMCIManager* sound = gMCIManager()) {
+        sound->closeSound(QStringLiteral("csound"));
+        sound->closeSound(QStringLiteral("playsound"));
+        setMCIManager(nullptr);
+    }
 }
 
 namespace {
@@ -202,7 +215,7 @@ void runStartup(TessalyApplication& app, SharedConfig& shared) {
     importLegacySettings();
 
     gStep = QStringLiteral("ModMain.Main - clsMCIManager");
-    // The sound layer comes with the audio subsystem.
+    setMCIManager(std::make_unique<clsMCIManager>());
 
     gStep = QStringLiteral("ModMain.Main - clsXMLLocalizer");
     clsXMLocalizer& localizer = shared.setLocalizer(std::make_unique<clsXMLocalizer>(properties));

@@ -29,6 +29,10 @@ void reportFailure(const Failure& failure, const QString& step);
 // The stage label of start-up, for the failure report.
 QString currentStep();
 
-// The main window's unload: saves and drops the shared preferences store. The localiser stays
-// until Main ends.
+// True when the machine has a sound output device; the main window offers sound only then.
+bool hasWaveOutDevice();
+
+// The main window's unload: stops the preview sound, saves and drops the shared preferences
+// store, closes the player aliases and drops the sound layer. The localiser stays until Main
+// ends.
 void releaseSharedObjects();

@@ -36,12 +36,13 @@ function(tessaly_add_executable name)
   tessaly_harden(${name})
 endfunction()
 
-# tessaly_add_test(name SOURCES ... [DEPENDS ...] [WIDGETS] [TIMEOUT seconds])
+# tessaly_add_test(name SOURCES ... [DEPENDS ...] [WIDGETS] [TIMEOUT seconds] [ENV VAR=value ...])
 # A GoogleTest executable with the shared test main: a QGuiApplication on the offscreen platform
 # (a QApplication with WIDGETS, for the window tests), a fresh TESSALY_HOME per process and
-# scripted dialogs. Each TEST is its own CTest case.
+# scripted dialogs. Each TEST is its own CTest case. Every case runs headless, sound included
+# (SDL's silent "dummy" driver); ENV adds variables or overrides these.
 function(tessaly_add_test name)
-  cmake_parse_arguments(ARG "WIDGETS" "TIMEOUT" "SOURCES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "WIDGETS" "TIMEOUT" "SOURCES;DEPENDS;ENV" ${ARGN})
   if(ARG_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "tessaly_add_test(${name}): unknown arguments ${ARG_UNPARSED_ARGUMENTS}")
   endif()
@@ -56,11 +57,13 @@ function(tessaly_add_test name)
   target_link_libraries(${name} PRIVATE ${support} ${ARG_DEPENDS})
   tessaly_harden(${name})
   add_dependencies(${name} tessaly_data)
+  # The variables reach each case through env(1) in front of the program: a list in the
+  # ENVIRONMENT property of discovered cases keeps only its first entry.
+  set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR
+    "/usr/bin/env;QT_QPA_PLATFORM=offscreen;SDL_AUDIODRIVER=dummy;ASAN_OPTIONS=detect_leaks=0;UBSAN_OPTIONS=print_stacktrace=1;TESSALY_TEST_BIN=${CMAKE_BINARY_DIR}/bin;${ARG_ENV}")
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
-    PROPERTIES
-      TIMEOUT ${ARG_TIMEOUT}
-      ENVIRONMENT "QT_QPA_PLATFORM=offscreen;SDL_AUDIODRIVER=dummy;ASAN_OPTIONS=detect_leaks=0;UBSAN_OPTIONS=print_stacktrace=1;TESSALY_TEST_BIN=${CMAKE_BINARY_DIR}/bin")
+    PROPERTIES TIMEOUT ${ARG_TIMEOUT})
 endfunction()
 
 # The widget libraries of Qt that a target reaches through what it links, directly or through
