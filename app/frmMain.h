@@ -1,16 +1,22 @@
 #pragma once
 
+#include "app/clsPreviewTiming.h"
+
+#include <QPointer>
 #include <QStringList>
 #include <QWidget>
 #include <cstdint>
 #include <memory>
 
+class QImage;
 class QTimer;
 class clsMMSManager;
 class clsMessage;
 class clsSlide;
 class frmMessageList;
+class frmPreview;
 class frmSettings;
+class mmstimer;
 namespace Ui {
 class frmMain;
 }
@@ -79,6 +85,20 @@ public:
     std::int32_t UpdateTotalTime();
     void EnableSlideCommands(bool enabled);
 
+    // Preview playback and the player window.
+    void StartPreview();
+    void StopPreview();
+    void cmdPreview_Click();
+    void SetPreviewDocked(bool docked);
+    // The player window; made on first use.
+    frmPreview* previewWindow();
+    bool playing() const { return mPlaying; }
+    bool docked() const { return mDocked; }
+    const clsPreviewTiming& previewTiming() const { return mPreviewTiming; }
+    mmstimer* TimerPreviewPlay() const { return mTimerPreviewPlay; }
+    // One tick of the preview's timer after `elapsed` real milliseconds.
+    void TimerPreviewPlay_Timer(qint64 elapsed);
+
 signals:
     // The window has run its unload steps and is going.
     void Unloaded();
@@ -117,6 +137,28 @@ private:
     bool askNewSlide() const;
     QString text(const QString& key) const;
 
+    // The slide strip.
+    void connectSlideStrip();
+    void DrawSlideStrip(bool scrollToEnd);
+    void ShowChangedSlide();
+    void ctlSlideThumbs1_SlideClick(int index);
+    void ctlSlideThumbs1_MenuClick(std::int32_t key, int index);
+
+    // The preview.
+    void connectPreview();
+    void PreviewStep();
+    void PlaySlide(int index);
+    void ResetPreviewTime();
+    void DisplayPreviewTime();
+    void ShowSlideInPreview(const QImage& picture);
+    void mFrmPreview_ClosePreview();
+    void mFrmPreview_Dock(QWidget* picture, int left, int top);
+    void InitPreviewSkin(const QString& section);
+    void InitPreviewMode();
+    void ShowPreviewInMode();
+    void ShowFloatingPreview();
+    void FollowMainWindowState();
+
     std::unique_ptr<Ui::frmMain> ui;
     std::shared_ptr<clsMessage> mMessage;
     std::shared_ptr<clsSlide> mSlide;
@@ -134,4 +176,12 @@ private:
     frmSettings* mFrmSettings = nullptr;
     QTimer* mTimerExitWait = nullptr;
     QTimer* mTimerRecovery = nullptr;
+
+    frmPreview* mFrmPreview = nullptr;
+    mmstimer* mTimerPreviewPlay = nullptr;
+    clsPreviewTiming mPreviewTiming;
+    bool mPlaying = false;
+    QPointer<QWidget> mDockedPicture;
+    int mDockLeft = 0;
+    int mDockTop = 0;
 };
