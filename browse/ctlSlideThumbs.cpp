@@ -12,6 +12,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -251,7 +252,8 @@ void ctlSlideThumbs::PaintFrame(int index, std::int32_t colour) {
     QPainter painter(&tile->surface());
     painter.setPen(QPen(fromVbColor(colour), 2, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRect(QRect(QPoint(2, 2), QPoint(s + 1, s * 3 / 4 - 1)));
+    // The right side mirrors the left one inside the tile, so that all four sides show.
+    painter.drawRect(QRect(QPoint(2, 2), QPoint(std::min(s + 1, s - 2), s * 3 / 4 - 1)));
     tile->update();
 }
 

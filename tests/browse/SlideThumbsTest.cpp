@@ -95,6 +95,8 @@ TEST_F(SlideThumbs, TileShowsPictureOrColourAndTheSelectionFrameMoves) {
     EXPECT_EQ(pixel(1, 0, 0), fromVbColor(ctlSlideThumbs::kPageColor)) << "rounded corner";
     EXPECT_EQ(pixel(1, 1, 40), frame);
     EXPECT_EQ(pixel(2, 2, 40), selection);
+    const int right = strip.Tile(2)->width() - 2;
+    EXPECT_EQ(pixel(2, right, 40), selection) << "all four sides of the frame show";
 
     strip.DrawThumb(true, *message.Slides()->Item(1));
     EXPECT_EQ(strip.SelectedTile(), 1);
