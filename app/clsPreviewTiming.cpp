@@ -1,8 +1,9 @@
 #include "app/clsPreviewTiming.h"
 
+#include <algorithm>
+
 void clsPreviewTiming::Start(bool loop, std::int32_t totalTime) {
     Restart(loop, totalTime);
-    mClock = 0;
     mStepsTaken = 0;
 }
 
@@ -18,10 +19,10 @@ void clsPreviewTiming::Restart(bool loop, std::int32_t totalTime) {
     mSlideRemaining = 0;
 }
 
-int clsPreviewTiming::StepsDue(std::int64_t milliseconds) {
-    if (milliseconds > 0)
-        mClock += milliseconds;
-    const std::int64_t due = mClock / kTick - mStepsTaken;
+int clsPreviewTiming::StepsDue(std::int64_t clock) {
+    // A step is taken by the firing of the timer nearest to its time: timers fire a little
+    // early as often as late, and waiting for the next firing would make every slide late.
+    const std::int64_t due = std::max<std::int64_t>(0, (clock + kTick / 2) / kTick - mStepsTaken);
     mStepsTaken += due;
     return static_cast<int>(due);
 }

@@ -7,8 +7,9 @@
 // window feeds it the real milliseconds its timer reports and acts on each step's answer.
 //
 // A slide of duration D stays for D / 50 + 1 steps, and the first step of a pass only loads
-// slide 1. Steps are tied to the clock: a timer that fires late is followed by as many steps as
-// the time it missed, so the show never falls behind its own time by a whole step.
+// slide 1. Steps are tied to the clock: each firing of the timer takes the steps whose time has
+// come to within half a step, so a timer that fires late catches up and the show never falls
+// behind its own time.
 class clsPreviewTiming {
 public:
     static constexpr std::int32_t kTick = 50;
@@ -28,8 +29,9 @@ public:
     // Starts the pass over from before slide 1 (after a Wrap).
     void Restart(bool loop, std::int32_t totalTime);
 
-    // Adds `milliseconds` of real time and gives how many steps are now due.
-    int StepsDue(std::int64_t milliseconds);
+    // How many steps are due now that `clock` milliseconds have passed since Start (read from
+    // one clock, never summed from the timer's intervals, which would lose their fractions).
+    int StepsDue(std::int64_t clock);
     // One step. `slideCount` is the message's count of slides, -1 without a message.
     Step Tick(int slideCount);
     // The slide of PlaySlide() started; it lasts `duration` milliseconds.
@@ -50,6 +52,5 @@ private:
     std::int32_t mTotalTime = 0;
     std::int32_t mElapsed = 0;
     bool mLoop = false;
-    std::int64_t mClock = 0;      // real milliseconds since Start
     std::int64_t mStepsTaken = 0; // steps handed out by StepsDue since Start
 };

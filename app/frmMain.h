@@ -2,6 +2,7 @@
 
 #include "app/clsPreviewTiming.h"
 
+#include <QElapsedTimer>
 #include <QPointer>
 #include <QStringList>
 #include <QWidget>
@@ -96,8 +97,8 @@ public:
     bool docked() const { return mDocked; }
     const clsPreviewTiming& previewTiming() const { return mPreviewTiming; }
     mmstimer* TimerPreviewPlay() const { return mTimerPreviewPlay; }
-    // One tick of the preview's timer after `elapsed` real milliseconds.
-    void TimerPreviewPlay_Timer(qint64 elapsed);
+    // One tick of the preview's timer, `clock` milliseconds after the show started.
+    void TimerPreviewPlay_Timer(qint64 clock);
 
 signals:
     // The window has run its unload steps and is going.
@@ -180,6 +181,7 @@ private:
     frmPreview* mFrmPreview = nullptr;
     mmstimer* mTimerPreviewPlay = nullptr;
     clsPreviewTiming mPreviewTiming;
+    QElapsedTimer mPreviewClock;
     bool mPlaying = false;
     QPointer<QWidget> mDockedPicture;
     int mDockLeft = 0;

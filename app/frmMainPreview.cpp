@@ -97,7 +97,8 @@ void frmMain::connectPreview() {
     mTimerPreviewPlay = new mmstimer(this);
     mTimerPreviewPlay->setObjectName(QStringLiteral("TimerPreviewPlay"));
     mTimerPreviewPlay->setInterval(clsPreviewTiming::kTick);
-    connect(mTimerPreviewPlay, &mmstimer::Timer, this, &frmMain::TimerPreviewPlay_Timer);
+    connect(mTimerPreviewPlay, &mmstimer::Timer, this,
+            [this](qint64) { TimerPreviewPlay_Timer(mPreviewClock.elapsed()); });
 
     ui->cmdPreviewPlay->setIcon(toolGlyph(QStringLiteral("play")));
     ui->cmdPreviewStop->setIcon(toolGlyph(QStringLiteral("stop")));
@@ -140,13 +141,14 @@ void frmMain::StartPreview() {
     ui->cmdPreviewPlay->setPressed(true);
     previewWindow()->PlayerStarted();
     mPlaying = true;
+    mPreviewClock.start();
     mTimerPreviewPlay->setEnabled(true);
 }
 
-void frmMain::TimerPreviewPlay_Timer(qint64 elapsed) {
+void frmMain::TimerPreviewPlay_Timer(qint64 clock) {
     // As many steps as the clock says are due: a late tick catches up instead of slowing the
     // show down.
-    for (int steps = mPreviewTiming.StepsDue(elapsed); steps > 0 && mPlaying; --steps)
+    for (int steps = mPreviewTiming.StepsDue(clock); steps > 0 && mPlaying; --steps)
         PreviewStep();
 }
 
