@@ -2,6 +2,7 @@
 #include "app/frmMain.h"
 #include "app/frmPreview.h"
 #include "audio/mmstimer.h"
+#include "browse/ctlSlideThumbs.h"
 #include "config/clsPropertiesXML.h"
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
@@ -230,6 +231,51 @@ TEST_F(Preview, LoopPreferenceIsReadAtTheEndOfAPass) {
     EXPECT_TRUE(window->playing());
     tick(1);
     EXPECT_FALSE(window->playing()) << "the show ends with the pass";
+}
+
+TEST_F(Preview, StripFollowsTheMessageAndItsClicksSelectOrAddSlides) {
+    start(QStringLiteral("1"));
+    setSlides({3000, 1000, 2000}, Qt::green);
+    auto* strip = window->findChild<ctlSlideThumbs*>(QStringLiteral("ctlSlideThumbs1"));
+    ASSERT_NE(strip, nullptr);
+    EXPECT_EQ(strip->TileCount(), 3);
+    EXPECT_EQ(strip->SelectedTile(), 3) << "the added slide is the current one";
+
+    QTest::mouseClick(strip->Tile(2), Qt::LeftButton);
+    EXPECT_EQ(window->slide()->Index(), 2);
+    EXPECT_EQ(strip->SelectedTile(), 2);
+
+    QTest::mouseClick(strip, Qt::LeftButton, {}, QPoint(strip->width() - 5, 5));
+    EXPECT_EQ(window->message()->Slides()->Count(), 4) << "a click beside the tiles adds one";
+    EXPECT_EQ(strip->TileCount(), 4);
+    EXPECT_EQ(strip->SelectedTile(), 4);
+
+    // While the preview plays, the strip's menu offers nothing.
+    window->StartPreview();
+    window->TimerPreviewPlay()->setEnabled(false);
+    QTest::mouseClick(strip->Tile(1), Qt::RightButton);
+    ASSERT_EQ(boxes.popups.size(), 1u);
+    EXPECT_EQ(boxes.popups[0].disabled.size(), boxes.popups[0].keys.size());
+    window->StopPreview();
+}
+
+TEST_F(Preview, ClosingThePlayerLetsThePreviewCommandOpenItAgain) {
+    start(QStringLiteral("1"));
+    auto* command = window->findChild<QAbstractButton*>(QStringLiteral("cmdPreview"));
+    EXPECT_FALSE(command->isEnabled()) << "the player is open";
+    EXPECT_EQ(preview()->picPhone()->geometry(), QRect(QPoint(0, 0), player()->size()))
+        << "without a phone picture the phone fills the player area";
+
+    QTest::mouseClick(preview()->findChild<QAbstractButton*>(QStringLiteral("cmdClose")),
+                      Qt::LeftButton);
+    EXPECT_FALSE(preview()->isVisible());
+    EXPECT_TRUE(command->isEnabled());
+    EXPECT_EQ(preference(QStringLiteral("preferences"), QStringLiteral("ShowPreview"), {}),
+              QStringLiteral("0"));
+
+    command->click();
+    EXPECT_TRUE(preview()->isVisible());
+    EXPECT_FALSE(command->isEnabled());
 }
 
 } // namespace
