@@ -971,4 +971,5 @@ void frmMain::EnableSlideCommands(bool enabled) {
     for (std::int32_t key : {MenuKey::SlideDeleteSlide, MenuKey::SlideDeleteImage,
                              MenuKey::SlideDeleteSound, MenuKey::SlideDeleteText})
         ui->ctlMainMenu1->MenuItemEnabled(key, enabled);
+    ui->ctlSlideThumbs1->RightClickMenuEnabled(enabled);
 }

@@ -157,7 +157,7 @@ private:
     void InitPreviewSkin(const QString& section);
     void InitPreviewMode();
     void ShowPreviewInMode();
-    void ShowFloatingPreview();
+    void ShowFloatingPreview(bool waitForMainWindow = true);
     void FollowMainWindowState();
 
     std::unique_ptr<Ui::frmMain> ui;

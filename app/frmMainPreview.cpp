@@ -17,6 +17,8 @@
 #include "platform/Twips.h"
 #include "platform/VbFormat.h"
 
+#include <QTimer>
+
 namespace {
 
 const QString kPreferences = QStringLiteral("preferences");
@@ -322,7 +324,15 @@ void frmMain::SetPreviewDocked(bool docked) {
 }
 
 // The player window beside the main window, its top left corner at the main window's top right.
-void frmMain::ShowFloatingPreview() {
+// At start-up the main window has no place yet: the player waits until it is on the screen.
+void frmMain::ShowFloatingPreview(bool waitForMainWindow) {
+    if (waitForMainWindow && !isVisible()) {
+        QTimer::singleShot(0, this, [this] {
+            if (!mDocked)
+                ShowFloatingPreview(false);
+        });
+        return;
+    }
     frmPreview* preview = previewWindow();
     preview->move(x() + twipsToPixels(mWindowWidth), y());
     preview->show();
