@@ -170,6 +170,11 @@ TEST_F(Preview, DockingMovesThePlayerAreaAndUndockingBringsItBesideTheWindow) {
     EXPECT_EQ(preference(QStringLiteral("preferences"), QStringLiteral("PreviewModeSaved"), {}),
               QStringLiteral("0"));
 
+    window->showMinimized();
+    EXPECT_TRUE(preview()->windowState() & Qt::WindowMinimized) << "they minimise together";
+    window->showNormal();
+    EXPECT_FALSE(preview()->windowState() & Qt::WindowMinimized);
+
     QTest::mouseClick(preview()->findChild<QAbstractButton*>(QStringLiteral("cmdDock")),
                       Qt::LeftButton);
     EXPECT_TRUE(window->docked());
