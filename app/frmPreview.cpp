@@ -220,6 +220,13 @@ void frmPreview::mousePressEvent(QMouseEvent* event) {
         DragWindow(this, 1);
 }
 
+// A language chosen while the window was closed or docked reaches it when it shows again.
+void frmPreview::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!event->spontaneous())
+        TranslateForm();
+}
+
 void frmPreview::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::WindowStateChange && !(windowState() & Qt::WindowMinimized))
