@@ -3,11 +3,14 @@
 #include "ui_frmMain.h"
 
 #include "app/TerminationSignals.h"
+#include "app/frmPreview.h"
 #include "app/frmSettings.h"
 #include "app/modMain.h"
 #include "audio/ctlAudioRecorder.h"
+#include "audio/mmstimer.h"
 #include "audio/modPlaySound.h"
 #include "browse/ctlBrowser.h"
+#include "browse/ctlSlideThumbs.h"
 #include "browse/frmMessageList.h"
 #include "canvas/ctlPictureEditor.h"
 #include "canvas/ctlTextProperties.h"
@@ -133,8 +136,10 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::frm
     });
     connect(ui->txtMessage, &QPlainTextEdit::textChanged, this, &frmMain::txtMessage_Change);
     connect(ui->ctlUpDown1, &ctlUpDown::ValueChanged, this, [this](std::int32_t& value) {
-        if (mSlide)
+        if (mSlide) {
             mSlide->setDuration(value);
+            ui->ctlSlideThumbs1->DrawThumb(true, *mSlide);
+        }
         UpdateTotalTime();
     });
     connect(ui->ctlVerticalTab1, &ctlVerticalTab::TabClick, this,
@@ -145,6 +150,8 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::frm
     connectSoundControls();
     connectBrowsers();
     connectSendCommands();
+    connectSlideStrip();
+    connectPreview();
     ui->lblCaption->installEventFilter(this);
     ui->lblMessageTitle->installEventFilter(this);
 
@@ -204,6 +211,9 @@ void frmMain::connectBrowsers() {
 }
 
 frmMain::~frmMain() {
+    // A docked player area goes back to its window, which takes it along.
+    if (mFrmPreview && mDockedPicture)
+        mDockedPicture->setParent(mFrmPreview);
     if (gMainWindow == this)
         gMainWindow = nullptr;
 }
@@ -228,6 +238,7 @@ void frmMain::Form_Load() {
     ui->ctlUpDown1->setDecSep(gDecimalSeparator);
     InitMessageManager();
     InitSkin();
+    InitPreviewMode();
     mFrmOpen = new frmMessageList(mMMSManager.get(), this);
     connect(mFrmOpen, &frmMessageList::SelectedMessage, this, &frmMain::mFrmOpen_SelectedMessage);
 }
@@ -336,6 +347,7 @@ void frmMain::InitSkin() {
             else
                 setFormPicture(this, picture);
         }
+        InitPreviewSkin(skin);
     }
     ui->ctlVerticalTab1->SetBackground(this, ui->ctlVerticalTab1);
     ui->ctlMainMenu1->SetBackground(this, ui->ctlMainMenu1);
@@ -542,6 +554,7 @@ void frmMain::changeEvent(QEvent* event) {
 }
 
 void frmMain::Form_Resize() {
+    FollowMainWindowState();
     if (windowState() & Qt::WindowMaximized) {
         // The window keeps its size: a maximised state goes back to normal at once.
         QTimer::singleShot(0, this, [this] { showNormal(); });
@@ -593,6 +606,7 @@ void frmMain::TranslateForm() {
     if (gLocalizer()) {
         ui->ctlMainMenu1->TranslateControl(gLocalizer());
         ui->ctlVerticalTab1->TranslateControl(gLocalizer());
+        ui->ctlSlideThumbs1->TranslateControl(gLocalizer());
     }
     ui->ctlPictureEditor1->TranslateControl();
     if (gLocalizer())
@@ -708,6 +722,9 @@ void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
     case MenuKey::SlideDeleteSound:
         if (mSlide)
             DeleteSlideSound(mSlide->Index());
+        break;
+    case MenuKey::SlidePreview:
+        cmdPreview_Click();
         break;
     case MenuKey::SlideBackground:
         ui->ctlPictureEditor1->SetBackgroundColor(0, true);
@@ -834,6 +851,7 @@ void frmMain::ShowMessage(std::shared_ptr<clsMessage> message, bool changed) {
     LoadSlideToUI(1);
     if (!mSlide)
         AddSlide(false, false);
+    DrawSlideStrip(false);
     UpdateTitle();
     UpdateTotalTime();
     mChanged = changed;
@@ -976,6 +994,7 @@ void frmMain::AddSlide(bool ask, bool storeFirst) {
             StoreSlideFromUI();
         const auto added = mMessage->Slides()->Add();
         LoadSlideToUI(added->Index());
+        DrawSlideStrip(true);
         EnableSlideCommands(true);
         mChanged = true;
     }
@@ -1008,12 +1027,14 @@ void frmMain::LoadSlideToUI(int index) {
 
 void frmMain::RefreshPreviewImage() {
     ui->ctlPictureEditor1->RenderImage(ui->picPreview, 1);
+    ShowSlideInPreview(mSlide ? mSlide->Image() : QImage());
 }
 
 void frmMain::ctlPictureEditor1_CanvasChanged() {
     ui->ctlPictureEditor1->RenderImage(ui->picPreview, 1);
     if (mSlide)
         mSlide->setImage(ui->picPreview->pixmap().toImage());
+    ShowChangedSlide();
     mChanged = true;
 }
 
@@ -1065,6 +1086,7 @@ void frmMain::EnableSlideCommands(bool enabled) {
     for (std::int32_t key : {MenuKey::SlideDeleteSlide, MenuKey::SlideDeleteImage,
                              MenuKey::SlideDeleteSound, MenuKey::SlideDeleteText})
         ui->ctlMainMenu1->MenuItemEnabled(key, enabled);
+    ui->ctlSlideThumbs1->RightClickMenuEnabled(enabled);
 }
 
 // ---------------------------------------------------------------------------------------------

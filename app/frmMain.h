@@ -1,10 +1,15 @@
 #pragma once
 
+#include "app/clsPreviewTiming.h"
+
+#include <QElapsedTimer>
+#include <QPointer>
 #include <QStringList>
 #include <QWidget>
 #include <cstdint>
 #include <memory>
 
+class QImage;
 class QTimer;
 class clsMMSManager;
 class clsMMSCommunication;
@@ -12,7 +17,9 @@ class frmDownloadMMS;
 class clsMessage;
 class clsSlide;
 class frmMessageList;
+class frmPreview;
 class frmSettings;
+class mmstimer;
 namespace Ui {
 class frmMain;
 }
@@ -95,6 +102,19 @@ public:
     void DeleteSlideSound(int index);
     // Plays the slide's sound, moving the progress under it until it ends.
     QTimer* TimerPlay() const { return mTimerPlay; }
+    // Preview playback and the player window.
+    void StartPreview();
+    void StopPreview();
+    void cmdPreview_Click();
+    void SetPreviewDocked(bool docked);
+    // The player window; made on first use.
+    frmPreview* previewWindow();
+    bool playing() const { return mPlaying; }
+    bool docked() const { return mDocked; }
+    const clsPreviewTiming& previewTiming() const { return mPreviewTiming; }
+    mmstimer* TimerPreviewPlay() const { return mTimerPreviewPlay; }
+    // One tick of the preview's timer, `clock` milliseconds after the show started.
+    void TimerPreviewPlay_Timer(qint64 clock);
 
 signals:
     // The window has run its unload steps and is going.
@@ -145,6 +165,28 @@ private:
     bool askNewSlide() const;
     QString text(const QString& key) const;
 
+    // The slide strip.
+    void connectSlideStrip();
+    void DrawSlideStrip(bool scrollToEnd);
+    void ShowChangedSlide();
+    void ctlSlideThumbs1_SlideClick(int index);
+    void ctlSlideThumbs1_MenuClick(std::int32_t key, int index);
+
+    // The preview.
+    void connectPreview();
+    void PreviewStep();
+    void PlaySlide(int index);
+    void ResetPreviewTime();
+    void DisplayPreviewTime();
+    void ShowSlideInPreview(const QImage& picture);
+    void mFrmPreview_ClosePreview();
+    void mFrmPreview_Dock(QWidget* picture, int left, int top);
+    void InitPreviewSkin(const QString& section);
+    void InitPreviewMode();
+    void ShowPreviewInMode();
+    void ShowFloatingPreview(bool waitForMainWindow = true);
+    void FollowMainWindowState();
+
     std::unique_ptr<Ui::frmMain> ui;
     std::shared_ptr<clsMessage> mMessage;
     std::shared_ptr<clsSlide> mSlide;
@@ -167,4 +209,13 @@ private:
     QTimer* mTimerRecovery = nullptr;
     QTimer* mTimerPlay = nullptr;
     std::int32_t mSoundLength = 0; // of the slide's sound that plays
+
+    frmPreview* mFrmPreview = nullptr;
+    mmstimer* mTimerPreviewPlay = nullptr;
+    clsPreviewTiming mPreviewTiming;
+    QElapsedTimer mPreviewClock;
+    bool mPlaying = false;
+    QPointer<QWidget> mDockedPicture;
+    int mDockLeft = 0;
+    int mDockTop = 0;
 };

@@ -130,7 +130,7 @@ TEST_F(MainWindow, StartsWithAnUntitledMessageOfOneSlideAndKeepsItsSize) {
     window->showMaximized();
     ASSERT_TRUE(
         QTest::qWaitFor([&] { return !(window->windowState() & Qt::WindowMaximized); }, 2000));
-    EXPECT_EQ(window->size(), QSize(644, 488)); // 9660 x 7320 twips
+    EXPECT_EQ(window->size(), QSize(886, 488)); // 13290 x 7320 twips: the preview opens docked
     {
         DialogCanceller dialogs;
         window->ctlMainMenu1_MenuClick(MenuKey::HelpAbout);
@@ -342,7 +342,7 @@ TEST_F(MainWindow, MissingSkinPictureIsReportedAndTheWindowGoesOn) {
     EXPECT_EQ(boxes.boxes[0].title, QStringLiteral("InitSkin"));
     EXPECT_EQ(boxes.boxes[0].text, QStringLiteral("The background bitmap could not be loaded!"));
     EXPECT_EQ(boxes.boxes[0].style, Vb::Exclamation);
-    EXPECT_EQ(window->size(), QSize(644, 488));
+    EXPECT_EQ(window->size(), QSize(886, 488));
 }
 
 TEST_F(MainWindow, LanguageChangeKeepsTheFlagAndTheLabels) {

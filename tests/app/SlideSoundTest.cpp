@@ -34,6 +34,9 @@ protected:
         shared.setProperties(std::make_unique<clsPropertiesXML>());
         shared.setLocalizer(std::make_unique<clsXMLocalizer>(*gProperties()))
             .SetLanguage(QStringLiteral("en-us"));
+        // No phone: the window would otherwise look for a transport on the session bus.
+        gProperties()->SetProp(QStringLiteral("preferences"), QStringLiteral("CommunicationType"),
+                               QStringLiteral("0"));
         gStarting = true;
         gSplashActive = false;
         window = new frmMain();
