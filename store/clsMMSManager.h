@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <pugixml.hpp>
 
 class clsMessage;
@@ -87,6 +88,10 @@ public:
     // A folder searched for companion programs (makesis) before the executable's folder and
     // <prefix>/libexec/tessaly; "" for none.
     void setCompanionFolder(const QString& folder) { mCompanionFolder = folder; }
+    // Whether publishing also writes mms/mms.mms, the message as one MMS send request to `to`
+    // (phone numbers or e-mail addresses), outside the packages. Until this is called, the
+    // preference MakePdu ("1": yes) decides at each SaveAsMMS, with no recipients.
+    void setMakePdu(bool make, const QStringList& to = {});
     // The companion program `name` as found, or "".
     QString companionProgram(const QString& name) const;
 
@@ -123,6 +128,7 @@ private:
     bool packSis(const QString& messageName, const QString& outputFolder, const QString& name,
                  const QString& fileList);
     void runMakesis(const QString& packagePath);
+    bool makePdu() const;
     // Records a failed step: `status` and the failure's text under `key`.
     void setFailure(std::int32_t status, const QString& key, const Failure& failure);
     void phase(std::int16_t slide, std::int16_t total);
@@ -146,4 +152,6 @@ protected:
     QString mStatusText;
     QString mCompanionFolder;
     QString mPictureFormat;
+    std::optional<bool> mMakePdu;
+    QStringList mPduTo;
 };
