@@ -1,28 +1,21 @@
 #pragma once
 // A reader of MMS send requests for the tests, from the public description of the encoding
-// (MMS encapsulation 1.2 over WSP), sharing nothing with the writer. It knows the fields a send
-// request of ours may hold and throws on anything else.
+// (MMS encapsulation 1.2 over WSP), sharing nothing with the writer. It knows the fields our
+// requests hold and throws on anything else. Content types read as "media;name=value...".
 #include <QList>
 #include <QMap>
-#include <QString>
+#include <QStringList>
 #include <stdexcept>
 
-struct DecodedType {
-    QString media;
-    QMap<QString, QString> parameters; // "charset" as its number
-};
+using namespace Qt::StringLiterals;
+
 struct DecodedPart {
-    DecodedType type;
-    QString contentId, location;
+    QString type, contentId, location;
     QByteArray data;
 };
 struct DecodedPdu {
-    int messageType = -1;
-    QString transactionId, version, subject;
-    int subjectCharset = 0; // 0: no charset given
-    bool fromInserted = false;
-    QStringList to;
-    DecodedType type;
+    QString transactionId;
+    QStringList headers; // "name=value" in their order; a subject with its charset "subject(106)"
     QList<DecodedPart> parts;
 };
 
@@ -32,43 +25,26 @@ public:
 
     DecodedPdu read() {
         DecodedPdu pdu;
-        for (bool more = true; more;) {
-            switch (octet()) {
-            case 0x8C:
-                pdu.messageType = octet();
-                break;
-            case 0x98:
+        for (int field = octet(); field != 0x84; field = octet()) {
+            if (field == 0x98)
                 pdu.transactionId = QString::fromUtf8(text());
-                break;
-            case 0x8D: {
-                const int v = octet();
-                pdu.version = QStringLiteral("%1.%2").arg((v >> 4) & 7).arg(v & 15);
-                break;
-            }
-            case 0x89: {
-                const int end = length() + p;
-                pdu.fromInserted = octet() == 0x81 && p == end;
-                break;
-            }
-            case 0x96:
-                pdu.subject = encodedString(&pdu.subjectCharset);
-                break;
-            case 0x97:
-                pdu.to << encodedString(nullptr);
-                break;
-            case 0x84:
-                pdu.type = contentType();
-                more = false;
-                break;
-            default:
-                throw std::runtime_error("unknown header field at " + std::to_string(p - 1));
-            }
+            else if (field == 0x8C || field == 0x8D)
+                pdu.headers << (field == 0x8C
+                                    ? u"type=%1"_s.arg(octet())
+                                    : u"version=%1.%2"_s.arg(peek() >> 4 & 7).arg(octet() & 15));
+            else if (field == 0x89 && length() == 1 && octet() == 0x81)
+                pdu.headers << u"from=insert"_s;
+            else if (field == 0x96 || field == 0x97)
+                pdu.headers << (field == 0x96 ? u"subject"_s : u"to"_s) + encodedString();
+            else
+                throw std::runtime_error("unknown header field " + std::to_string(field));
         }
+        pdu.headers << u"content-type="_s + contentType();
         for (quint32 count = uintvar(); count > 0; --count) {
             DecodedPart part;
-            const quint32 headers = uintvar(), size = uintvar(), end = p + headers;
+            const qsizetype headers = uintvar(), size = uintvar(), end = p + headers;
             part.type = contentType();
-            while (p < int(end)) {
+            while (p < end) {
                 const int field = octet();
                 if (field == 0xC0 && octet() == '"')
                     part.contentId = QString::fromUtf8(text());
@@ -77,102 +53,88 @@ public:
                 else
                     throw std::runtime_error("unknown part header");
             }
-            part.data = take(int(size));
+            part.data = take(size);
             pdu.parts << part;
         }
-        if (p != b.size())
-            throw std::runtime_error("bytes after the last part");
+        need(p == b.size(), "bytes after the last part");
         return pdu;
     }
 
 private:
-    int octet() { return quint8(take(1).at(0)); }
-    int peek() {
-        if (p >= b.size())
-            throw std::runtime_error("the request ends early");
-        return quint8(b.at(p));
+    static void need(bool ok, const char* what) {
+        if (!ok)
+            throw std::runtime_error(what);
     }
-    QByteArray take(int n) {
-        if (n < 0 || p + n > b.size())
-            throw std::runtime_error("the request ends early");
+    QByteArray take(qsizetype n) {
+        need(p + n <= b.size(), "the request ends early");
         p += n;
         return b.mid(p - n, n);
     }
+    int octet() { return quint8(take(1).at(0)); }
+    int peek() { return p < b.size() ? quint8(b.at(p)) : -1; }
     quint32 uintvar() {
         quint32 value = 0;
-        for (int i = 0, o = 0x80; (o & 0x80); ++i) {
-            if (i == 5)
-                throw std::runtime_error("uintvar too long");
-            o = octet();
-            value = (value << 7) | (o & 0x7F);
-        }
+        for (int i = 0, o = 0x80; o & 0x80; ++i)
+            value = (need(i < 5, "uintvar"), value << 7 | ((o = octet()) & 0x7F));
         return value;
     }
-    int length() { // Value-length: short length, or the quote 31 and a uintvar
-        const int first = octet();
-        if (first > 31)
-            throw std::runtime_error("not a value length");
-        return first == 31 ? int(uintvar()) : first;
+    // Value-length: a short length, or the quote 31 and a uintvar.
+    qsizetype length() {
+        return peek() == 31  ? (octet(), uintvar())
+               : peek() < 31 ? octet()
+                             : throw std::runtime_error("length");
     }
-    QByteArray text() { // Text-string, its quote dropped
-        const int end = b.indexOf('\0', p);
-        if (end < 0)
-            throw std::runtime_error("unterminated text");
-        QByteArray t = take(end - p + 1).chopped(1);
+    // Text-string (its quote dropped) up to the NUL.
+    QByteArray text() {
+        const qsizetype end = b.indexOf('\0', p);
+        const QByteArray t = (need(end >= 0, "text"), take(end - p + 1).chopped(1));
         return t.startsWith('\x7F') ? t.mid(1) : t;
     }
-    int integer() { // short integer or long integer
-        const int first = octet();
-        if (first & 0x80)
-            return first & 0x7F;
-        int value = 0;
-        for (const char c : take(first))
-            value = (value << 8) | quint8(c);
+    // Short or long integer.
+    int integer() {
+        int value = octet();
+        if (value & 0x80)
+            return value & 0x7F;
+        for (const char c : take(value))
+            value = value << 8 | quint8(c);
         return value;
     }
-    QString encodedString(int* charset) {
+    // "=text", or "(charset)=text" for the form with a charset.
+    QString encodedString() {
         if (peek() > 31)
-            return QString::fromLatin1(text());
-        const int end = length() + p, set = integer();
+            return u'=' + QString::fromLatin1(text());
+        const qsizetype end = length() + p;
+        const int charset = integer();
         const QByteArray t = text();
-        if (p != end)
-            throw std::runtime_error("encoded string length");
-        if (charset)
-            *charset = set;
-        return set == 106 ? QString::fromUtf8(t) : QString::fromLatin1(t);
+        need(p == end, "encoded string");
+        return u"(%1)="_s.arg(charset) +
+               (charset == 106 ? QString::fromUtf8(t) : QString::fromLatin1(t));
     }
-    QString media() {
+    QString contentType() {
         static const QMap<int, QString> known{{0x03, "text/plain"},
                                               {0x1D, "image/gif"},
                                               {0x1E, "image/jpeg"},
                                               {0x20, "image/png"},
                                               {0x33, "application/vnd.wap.multipart.related"}};
-        if (peek() & 0x80)
-            return known.value(octet() & 0x7F, QStringLiteral("(unknown)"));
-        return QString::fromLatin1(text());
-    }
-    DecodedType contentType() {
-        DecodedType type;
+        const auto media = [&] {
+            return peek() & 0x80 ? known.value(octet() & 0x7F, u"?"_s)
+                                 : QString::fromLatin1(text());
+        };
         if (peek() > 31)
-            return {media(), {}};
-        const int end = length() + p;
-        type.media = media();
+            return media();
+        const qsizetype end = length() + p;
+        QString type = media();
+        static const QMap<int, QString> names{{0x81, "charset"}, {0x89, "type"}, {0x8A, "start"}};
         while (p < end) {
-            const int name = octet();
-            if (name == 0x81)
-                type.parameters[QStringLiteral("charset")] = QString::number(integer());
-            else if (name == 0x89)
-                type.parameters[QStringLiteral("type")] = QString::fromLatin1(text());
-            else if (name == 0x8A)
-                type.parameters[QStringLiteral("start")] = QString::fromUtf8(text());
-            else
-                throw std::runtime_error("unknown parameter");
+            const QString name = names.value(octet());
+            need(!name.isEmpty(), "parameter");
+            type += u';' + name + u'=' +
+                    (name == u"charset"_s ? QString::number(integer()) : QString::fromUtf8(text()));
         }
-        if (p != end)
-            throw std::runtime_error("content type length");
+        need(p == end, "content type length");
         return type;
     }
 
     const QByteArray& b;
-    int p = 0;
+    qsizetype p = 0;
 };
