@@ -75,16 +75,23 @@ QByteArray encodedString(const QString& text) {
     return valueLength(value.size()) + value;
 }
 
-// A type like "text/plain; charset=utf-8": the media alone, or with its charset in the general
-// form.
+// A type like "text/plain; charset=utf-8": the media alone, or with its parameters in the
+// general form. A UTF-8 charset takes its code, other parameters go as name and value texts.
 QByteArray contentType(const QString& type) {
     const QStringList pieces = type.split(QLatin1Char(';'), Qt::SkipEmptyParts);
     const QByteArray media = pieces.value(0).trimmed().toLatin1();
     const char code = wellKnownType(media);
-    const QByteArray encoded = code ? QByteArray(1, code) : textString(media);
+    QByteArray value = code ? QByteArray(1, code) : textString(media);
     if (pieces.size() < 2)
-        return encoded;
-    const QByteArray value = encoded + kCharsetParameter + kUtf8;
+        return value;
+    for (const QString& parameter : pieces.mid(1)) {
+        const QByteArray name = parameter.section(QLatin1Char('='), 0, 0).trimmed().toUtf8();
+        const QByteArray setting = parameter.section(QLatin1Char('='), 1).trimmed().toUtf8();
+        if (name.toLower() == "charset" && setting.toLower() == "utf-8")
+            value += QByteArray(1, kCharsetParameter) + kUtf8;
+        else
+            value += textString(name) + textString(setting);
+    }
     return valueLength(value.size()) + value;
 }
 
@@ -128,6 +135,35 @@ bool readPart(const QString& folder, const QString& name, MmsPart& entry, QStrin
     entry = {name, mmsContentType(name), file.readAll()};
     return true;
 }
+
+bool addRecipients(MmsPdu& pdu, const QStringList& to, QString& problem) {
+    for (const QString& recipient : to) {
+        pdu.to << mmsAddress(recipient);
+        if (pdu.to.constLast().isEmpty()) {
+            problem =
+                QStringLiteral("%1 is neither a phone number nor an e-mail address").arg(recipient);
+            return false;
+        }
+    }
+    return true;
+}
+
+// The presentation of `folder`, then the files it names.
+bool addParts(MmsPdu& pdu, const QString& folder, QString& problem) {
+    MmsPart presentation;
+    if (!readPart(folder, QStringLiteral("mms.smil"), presentation, &problem))
+        return false;
+    pugi::xml_document smil;
+    if (!smil.load_buffer(presentation.data.constData(), std::size_t(presentation.data.size()))) {
+        problem = QStringLiteral("%1mms.smil is not a presentation").arg(folder);
+        return false;
+    }
+    pdu.parts.push_back(presentation);
+    for (const QString& name : namedFiles(smil))
+        if (!readPart(folder, name, pdu.parts.emplace_back(), &problem))
+            return false;
+    return true;
+}
 } // namespace
 
 QByteArray mmsSendRequest(const MmsPdu& pdu) {
@@ -167,9 +203,11 @@ QString mmsContentType(const QString& fileName) {
                  {"png", "image/png"},        {"amr", "audio/amr"},
                  {"wav", "audio/wav"},        {"mp3", "audio/mpeg"},
                  {"mid", "audio/midi"},       {"midi", "audio/midi"}};
-    const QString extension = fileName.section(QLatin1Char('.'), -1).toLower();
+    const QString extension = fileName.contains(QLatin1Char('.'))
+                                  ? fileName.section(QLatin1Char('.'), -1).toLower()
+                                  : QString();
     for (const auto& entry : types)
-        if (fileName.contains(QLatin1Char('.')) && extension == QLatin1String(entry.extension))
+        if (extension == QLatin1String(entry.extension))
             return QString::fromLatin1(entry.type);
     return QStringLiteral("application/octet-stream");
 }
@@ -181,27 +219,8 @@ bool writeMmsPdu(const QString& outputFolder, const QString& subject, const QStr
     MmsPdu pdu;
     pdu.subject = subject;
     pdu.transactionId = QUuid::createUuid().toString(QUuid::Id128);
-    for (const QString& recipient : to) {
-        pdu.to << mmsAddress(recipient);
-        if (pdu.to.constLast().isEmpty()) {
-            why =
-                QStringLiteral("%1 is neither a phone number nor an e-mail address").arg(recipient);
-            return false;
-        }
-    }
-    MmsPart presentation;
-    if (!readPart(outputFolder, QStringLiteral("mms.smil"), presentation, &why))
+    if (!addRecipients(pdu, to, why) || !addParts(pdu, outputFolder, why))
         return false;
-    pugi::xml_document smil;
-    if (!smil.load_buffer(presentation.data.constData(), std::size_t(presentation.data.size()))) {
-        why = QStringLiteral("%1mms.smil is not a presentation").arg(outputFolder);
-        return false;
-    }
-    pdu.parts.push_back(presentation);
-    for (const QString& name : namedFiles(smil))
-        if (!readPart(outputFolder, name, pdu.parts.emplace_back(), &why))
-            return false;
-
     const QString path = outputFolder + QStringLiteral("mms.mms");
     const QByteArray bytes = mmsSendRequest(pdu);
     QSaveFile file(path);

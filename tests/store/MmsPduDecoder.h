@@ -126,10 +126,13 @@ private:
         QString type = media();
         static const QMap<int, QString> names{{0x81, "charset"}, {0x89, "type"}, {0x8A, "start"}};
         while (p < end) {
-            const QString name = names.value(octet());
+            // A well-known parameter by its code, an untyped one by its name as a text.
+            const bool coded = peek() & 0x80;
+            const QString name = coded ? names.value(octet()) : QString::fromUtf8(text());
             need(!name.isEmpty(), "parameter");
             type += u';' + name + u'=' +
-                    (name == u"charset"_s ? QString::number(integer()) : QString::fromUtf8(text()));
+                    (coded && name == u"charset"_s ? QString::number(integer())
+                                                   : QString::fromUtf8(text()));
         }
         need(p == end, "content type length");
         return type;

@@ -98,4 +98,9 @@ TEST_F(PduExport, OnlyOnRequestAndNeverHalfWritten) {
     EXPECT_FALSE(writeMmsPdu(out, u"Ask"_s, {}, &problem));
     EXPECT_TRUE(problem.contains(u"Slide_1.jpg"_s));
     EXPECT_FALSE(QFileInfo::exists(out + u"mms.mms"_s));
+
+    // A charset other than UTF-8 goes by name.
+    const QByteArray other =
+        mmsSendRequest({u"t"_s, u"s"_s, {}, {{u"a.xml"_s, u"text/xml; charset=latin1"_s, "x"}}});
+    EXPECT_EQ(PduReader(other).read().parts.value(0).type, u"text/xml;charset=latin1"_s);
 }
