@@ -72,12 +72,12 @@ public:
 
     // Publishes `message` into the folder "mms" of its message folder: a picture per slide in the
     // preference ImageFormat (jpg, gif, bmp), the slide's sound (a WAV converted to AMR when
-    // `convertSound`), its text, texts.xml and mms.smil, then the packages the template file
-    // types ask for (mms.tpl, mms.pkg and mms.sis). `timeFormat` 1 writes durations as "3.000s",
-    // any other value as "3000ms". Progress goes out through ProsessingSlide. Returns the
-    // status: 0 success, 1 the folder or the presentation could not be made, 2 a picture, 3 a
-    // sound could not be converted, 4 packing failed; GetSaveAsMMSStatus() then says "OK" or
-    // the failure's text.
+    // `convertSound`), its text, texts.xml and mms.smil, the send request mms.mms when asked
+    // (setMakePdu), then the packages the template file types ask for (mms.tpl, mms.pkg and
+    // mms.sis). `timeFormat` 1 writes durations as "3.000s", any other value as "3000ms".
+    // Progress goes out through ProsessingSlide. Returns the status: 0 success, 1 the folder or
+    // the presentation could not be made, 2 a picture, 3 a sound could not be converted, 4 the
+    // send request or packing failed; GetSaveAsMMSStatus() then says "OK" or the failure's text.
     std::int32_t SaveAsMMS(clsMessage& message, bool convertSound, std::int32_t timeFormat);
     QString GetSaveAsMMSStatus() const { return mStatusText; }
     // The files of the last publication, in the order they were made, separated by ";".
