@@ -27,7 +27,7 @@ public:
         DecodedPdu pdu;
         for (int field = octet(); field != 0x84; field = octet()) {
             if (field == 0x98)
-                pdu.transactionId = QString::fromUtf8(text());
+                pdu.headers << u"transaction="_s + (pdu.transactionId = QString::fromUtf8(text()));
             else if (field == 0x8C || field == 0x8D)
                 pdu.headers << (field == 0x8C
                                     ? u"type=%1"_s.arg(octet())
@@ -53,6 +53,7 @@ public:
                 else
                     throw std::runtime_error("unknown part header");
             }
+            need(p == end, "part headers length");
             part.data = take(size);
             pdu.parts << part;
         }

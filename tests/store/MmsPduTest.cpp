@@ -17,7 +17,9 @@ void expectRequest(const QString& folder, const QStringList& headers, const QStr
         FAIL() << error.what();
     }
     EXPECT_EQ(pdu.transactionId.size(), 32);
-    EXPECT_EQ(pdu.headers, QStringList({"type=128", "version=1.2", "from=insert"}) + headers +
+    EXPECT_EQ(pdu.headers, QStringList({"type=128", "transaction=" + pdu.transactionId,
+                                        "version=1.2", "from=insert"}) +
+                               headers +
                                QStringList({"content-type=application/vnd.wap.multipart.related;"
                                             "type=application/smil;start=<mms.smil>"}));
     QStringList read;
