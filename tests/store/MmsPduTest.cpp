@@ -93,9 +93,11 @@ TEST_F(PduExport, OnlyOnRequestAndNeverHalfWritten) {
     manager.setMakePdu(false); // the manager's word over the preference
     EXPECT_FALSE(made());
 
+    manager.setMakePdu(true, {u"12ab"_s});
+    EXPECT_EQ(manager.SaveAsMMS(*message, true, 0), 4);
+    EXPECT_EQ(manager.GetSaveAsMMSStatus(), u"The message could not be packed (75) 12ab is "
+                                            "neither a phone number nor an e-mail address"_s);
     QString problem;
-    EXPECT_FALSE(writeMmsPdu(out, u"Ask"_s, {u"12ab"_s}, &problem));
-    EXPECT_TRUE(problem.contains(u"12ab"_s));
     ASSERT_TRUE(QFile::remove(out + u"Slide_1.jpg"_s));
     EXPECT_FALSE(writeMmsPdu(out, u"Ask"_s, {}, &problem));
     EXPECT_TRUE(problem.contains(u"Slide_1.jpg"_s));
