@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <pugixml.hpp>
 
 class clsMessage;
@@ -71,12 +72,12 @@ public:
 
     // Publishes `message` into the folder "mms" of its message folder: a picture per slide in the
     // preference ImageFormat (jpg, gif, bmp), the slide's sound (a WAV converted to AMR when
-    // `convertSound`), its text, texts.xml and mms.smil, then the packages the template file
-    // types ask for (mms.tpl, mms.pkg and mms.sis). `timeFormat` 1 writes durations as "3.000s",
-    // any other value as "3000ms". Progress goes out through ProsessingSlide. Returns the
-    // status: 0 success, 1 the folder or the presentation could not be made, 2 a picture, 3 a
-    // sound could not be converted, 4 packing failed; GetSaveAsMMSStatus() then says "OK" or
-    // the failure's text.
+    // `convertSound`), its text, texts.xml and mms.smil, the send request mms.mms when asked
+    // (setMakePdu), then the packages the template file types ask for (mms.tpl, mms.pkg and
+    // mms.sis). `timeFormat` 1 writes durations as "3.000s", any other value as "3000ms".
+    // Progress goes out through ProsessingSlide. Returns the status: 0 success, 1 the folder or
+    // the presentation could not be made, 2 a picture, 3 a sound could not be converted, 4 the
+    // send request or packing failed; GetSaveAsMMSStatus() then says "OK" or the failure's text.
     std::int32_t SaveAsMMS(clsMessage& message, bool convertSound, std::int32_t timeFormat);
     QString GetSaveAsMMSStatus() const { return mStatusText; }
     // The files of the last publication, in the order they were made, separated by ";".
@@ -87,6 +88,10 @@ public:
     // A folder searched for companion programs (makesis) before the executable's folder and
     // <prefix>/libexec/tessaly; "" for none.
     void setCompanionFolder(const QString& folder) { mCompanionFolder = folder; }
+    // Whether publishing also writes mms/mms.mms, the message as one MMS send request to `to`
+    // (phone numbers or e-mail addresses), outside the packages. Until this is called, the
+    // preference MakePdu ("1": yes) decides at each SaveAsMMS, with no recipients.
+    void setMakePdu(bool make, const QStringList& to = {});
     // The companion program `name` as found, or "".
     QString companionProgram(const QString& name) const;
 
@@ -123,6 +128,7 @@ private:
     bool packSis(const QString& messageName, const QString& outputFolder, const QString& name,
                  const QString& fileList);
     void runMakesis(const QString& packagePath);
+    bool makePdu() const;
     // Records a failed step: `status` and the failure's text under `key`.
     void setFailure(std::int32_t status, const QString& key, const Failure& failure);
     void phase(std::int16_t slide, std::int16_t total);
@@ -146,4 +152,6 @@ protected:
     QString mStatusText;
     QString mCompanionFolder;
     QString mPictureFormat;
+    std::optional<bool> mMakePdu;
+    QStringList mPduTo;
 };

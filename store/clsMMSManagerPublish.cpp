@@ -13,6 +13,7 @@
 #include "store/AMRConverter.h"
 #include "store/clsMMSManager.h"
 #include "store/clsRunPgm.h"
+#include "store/modMmsPdu.h"
 #include "store/modTar.h"
 
 #include <QCoreApplication>
@@ -153,6 +154,11 @@ std::int32_t clsMMSManager::SaveAsMMS(clsMessage& message, bool convertSound,
             }
             phase(-1, 1);
             saveDocuments(outputFolder);
+            // mms.mms stays out of the file list, so no package carries it.
+            QString problem;
+            if (makePdu() && !writeMmsPdu(outputFolder, name, mPduTo, &problem))
+                setFailure(4, QStringLiteral("STR_ERROR_TAR_PACK"),
+                           Failure(FailureNumber::PathFileAccess, problem, {}));
             if (mMakeTemplate)
                 packTemplate(outputFolder, QString::fromUtf8(kPackageName), mFileList);
             if (mMakeSis)
@@ -174,6 +180,16 @@ std::int32_t clsMMSManager::SaveAsMMS(clsMessage& message, bool convertSound,
     }
     phase(-1, 2);
     return mStatus;
+}
+
+void clsMMSManager::setMakePdu(bool make, const QStringList& to) {
+    mMakePdu = make;
+    mPduTo = to;
+}
+
+bool clsMMSManager::makePdu() const {
+    return mMakePdu.value_or(preference(QStringLiteral("preferences"), QStringLiteral("MakePdu"),
+                                        QStringLiteral("0")) == QLatin1String("1"));
 }
 
 void clsMMSManager::phase(std::int16_t slide, std::int16_t total) {

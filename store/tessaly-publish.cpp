@@ -3,6 +3,7 @@
 //
 //     tessaly-publish MESSAGE_FOLDER [--format jpg|gif|bmp] [--time s|ms]
 //                     [--convert-sound yes|no] [--packages none|tpl|sis|tpl,sis]
+//                     [--pdu [--to NUMBER]...]
 //
 // Unset options take the program's preferences. Exit code 0 after a complete publication; the
 // publication's status (1 to 4) with its text on stderr when it failed; 64 for a bad command
@@ -15,6 +16,7 @@
 #include "platform/Failure.h"
 #include "platform/modText.h"
 #include "store/clsMMSManager.h"
+#include "store/modMmsPdu.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -37,6 +39,8 @@ struct Options {
     bool convertSound = true;
     bool makeTemplate = true;
     bool makeSis = true;
+    bool makePdu = false; // false: the preference MakePdu decides
+    QStringList to;
 };
 
 void say(const QString& text) {
@@ -66,6 +70,12 @@ Options readOptions(const QCoreApplication& app) {
     parser.addOption({QStringLiteral("packages"),
                       QStringLiteral("Packages to make: none, tpl, sis or tpl,sis."),
                       QStringLiteral("kinds")});
+    parser.addOption({QStringLiteral("pdu"),
+                      QStringLiteral("Also write mms.mms, the message as an MMS send request.")});
+    parser.addOption({QStringLiteral("to"),
+                      QStringLiteral("A recipient of mms.mms (repeatable): a phone number or an "
+                                     "e-mail address."),
+                      QStringLiteral("number")});
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
         usage(parser, QStringLiteral("Name one message folder."));
@@ -107,6 +117,14 @@ Options readOptions(const QCoreApplication& app) {
                 !(word == QLatin1String("none") && words.size() == 1))
                 usage(parser, QStringLiteral("--packages takes none, tpl, sis or tpl,sis."));
     }
+    options.makePdu = parser.isSet(QStringLiteral("pdu"));
+    options.to = parser.values(QStringLiteral("to"));
+    if (!options.to.isEmpty() && !options.makePdu)
+        usage(parser, QStringLiteral("--to goes with --pdu."));
+    for (const QString& recipient : options.to)
+        if (mmsAddress(recipient).isEmpty())
+            usage(parser, QStringLiteral("--to takes a phone number or an e-mail address, not %1.")
+                              .arg(recipient));
     return options;
 }
 
@@ -178,6 +196,8 @@ int main(int argc, char** argv) {
         manager.ClearTemplateFileType(1);
     if (!options.makeSis)
         manager.ClearTemplateFileType(2);
+    if (options.makePdu)
+        manager.setMakePdu(true, options.to);
     if (isatty(STDERR_FILENO))
         QObject::connect(&manager, &clsMMSManager::ProsessingSlide, &showProgress);
 
