@@ -18,7 +18,7 @@ packages=(
   # checking the installed desktop entry
   desktop-file-utils
   # looking at the program under a virtual display
-  xvfb xauth
+  xvfb xauth xdotool
   # fonts so that the window draws real text
   fonts-dejavu-core
 )
