@@ -89,6 +89,14 @@ public:
     void setCompanionFolder(const QString& folder) { mCompanionFolder = folder; }
     // The companion program `name` as found, or "".
     QString companionProgram(const QString& name) const;
+    // The largest message publishing aims at, in bytes; 0 (the default) reads the preference
+    // MaxMessageSize at each SaveAsMMS. Above it, JPEG slide pictures are published at lower
+    // qualities until the message fits; what is still too large is told in the status text.
+    void setMaxMessageSize(std::int64_t bytes) { mMaxMessageSize = bytes; }
+    // The presentation and the text list as publishing starts them ("<name>" stands for the
+    // message's name), for whoever builds them the same way.
+    static QByteArray presentationTemplate();
+    static QByteArray textsTemplate();
 
 signals:
     // Progress of publishing: a slide of a total, or with `slide` below 1 a phase in `total`.
@@ -126,6 +134,9 @@ private:
     // Records a failed step: `status` and the failure's text under `key`.
     void setFailure(std::int32_t status, const QString& key, const Failure& failure);
     void phase(std::int16_t slide, std::int16_t total);
+    // Publishes the JPEG pictures at lower qualities while the message is above the largest
+    // size; leaves the outcome in mFitNote (clsMMSManagerFit.cpp).
+    void fitToBudget(const PublishTarget& target);
 
 protected:
     // The store folder of a message, checked: raises a failure when the store is not set up or
@@ -146,4 +157,6 @@ protected:
     QString mStatusText;
     QString mCompanionFolder;
     QString mPictureFormat;
+    std::int64_t mMaxMessageSize = 0;
+    QString mFitNote; // what fitting did, "" when the message fitted as written
 };

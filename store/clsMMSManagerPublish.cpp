@@ -127,6 +127,7 @@ std::int32_t clsMMSManager::SaveAsMMS(clsMessage& message, bool convertSound,
     mStatus = 1;
     mStatusText = localText(QStringLiteral("STR_ERROR"));
     mFileList.clear();
+    mFitNote.clear();
     const QString format = !mPictureFormat.isEmpty()
                                ? mPictureFormat
                                : preference(QStringLiteral("preferences"),
@@ -153,13 +154,14 @@ std::int32_t clsMMSManager::SaveAsMMS(clsMessage& message, bool convertSound,
             }
             phase(-1, 1);
             saveDocuments(outputFolder);
+            fitToBudget(target);
             if (mMakeTemplate)
                 packTemplate(outputFolder, QString::fromUtf8(kPackageName), mFileList);
             if (mMakeSis)
                 packSis(name, outputFolder, QString::fromUtf8(kPackageName), mFileList);
             if (mStatus == 1) {
                 mStatus = 0;
-                mStatusText = QStringLiteral("OK");
+                mStatusText = mFitNote.isEmpty() ? QStringLiteral("OK") : mFitNote;
             }
         }
     } catch (const Failure& failure) {
@@ -438,4 +440,12 @@ QString clsMMSManager::companionProgram(const QString& name) const {
             return candidate.absoluteFilePath();
     }
     return {};
+}
+
+QByteArray clsMMSManager::presentationTemplate() {
+    return joinLines(kSmilTemplate);
+}
+
+QByteArray clsMMSManager::textsTemplate() {
+    return joinLines(kTextsTemplate);
 }

@@ -3,10 +3,12 @@
 //
 //     tessaly-publish MESSAGE_FOLDER [--format jpg|gif|bmp] [--time s|ms]
 //                     [--convert-sound yes|no] [--packages none|tpl|sis|tpl,sis]
+//                     [--max-size BYTES]
 //
-// Unset options take the program's preferences. Exit code 0 after a complete publication; the
-// publication's status (1 to 4) with its text on stderr when it failed; 64 for a bad command
-// line, 66 when the folder holds no message.
+// Unset options take the program's preferences. Exit code 0 after a complete publication (a
+// note on stderr when the pictures were fitted to the largest size, or the message is still
+// above it); the publication's status (1 to 4) with its text on stderr when it failed; 64 for a
+// bad command line, 66 when the folder holds no message.
 #include "config/clsPropertiesXML.h"
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
@@ -37,6 +39,7 @@ struct Options {
     bool convertSound = true;
     bool makeTemplate = true;
     bool makeSis = true;
+    std::int64_t maxSize = 0; // 0: the preference MaxMessageSize
 };
 
 void say(const QString& text) {
@@ -66,6 +69,9 @@ Options readOptions(const QCoreApplication& app) {
     parser.addOption({QStringLiteral("packages"),
                       QStringLiteral("Packages to make: none, tpl, sis or tpl,sis."),
                       QStringLiteral("kinds")});
+    parser.addOption({QStringLiteral("max-size"),
+                      QStringLiteral("The largest message size in bytes; pictures are fitted."),
+                      QStringLiteral("bytes")});
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
         usage(parser, QStringLiteral("Name one message folder."));
@@ -106,6 +112,12 @@ Options readOptions(const QCoreApplication& app) {
             if (word != QLatin1String("tpl") && word != QLatin1String("sis") &&
                 !(word == QLatin1String("none") && words.size() == 1))
                 usage(parser, QStringLiteral("--packages takes none, tpl, sis or tpl,sis."));
+    }
+    if (parser.isSet(QStringLiteral("max-size"))) {
+        bool ok = false;
+        options.maxSize = parser.value(QStringLiteral("max-size")).toLongLong(&ok);
+        if (!ok || options.maxSize <= 0)
+            usage(parser, QStringLiteral("--max-size takes a number of bytes above 0."));
     }
     return options;
 }
@@ -174,6 +186,7 @@ int main(int argc, char** argv) {
     clsMMSManager manager;
     manager.Initialize(folder.absoluteDir().absolutePath(), messageFile);
     manager.setPictureFormat(options.format);
+    manager.setMaxMessageSize(options.maxSize);
     if (!options.makeTemplate)
         manager.ClearTemplateFileType(1);
     if (!options.makeSis)
@@ -188,7 +201,7 @@ int main(int argc, char** argv) {
     }
     const std::int32_t status =
         manager.SaveAsMMS(*message, options.convertSound, options.timeFormat);
-    if (status != 0)
+    if (status != 0 || manager.GetSaveAsMMSStatus() != QLatin1String("OK"))
         say(manager.GetSaveAsMMSStatus() + QLatin1Char('\n'));
     return status;
 }
