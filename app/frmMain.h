@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/modSizeEstimate.h"
+
 #include <QStringList>
 #include <QWidget>
 #include <cstdint>
@@ -77,6 +79,9 @@ public:
     void RefreshPreviewImage();
     void UpdateTitle();
     std::int32_t UpdateTotalTime();
+    // Shows the estimated published size of the message against the largest size, in the
+    // warning colour above it. Cheap: unchanged pictures and sounds are not measured again.
+    void UpdateSizeEstimate();
     void EnableSlideCommands(bool enabled);
 
     // The slide's sound.
@@ -152,4 +157,5 @@ private:
     QTimer* mTimerRecovery = nullptr;
     QTimer* mTimerPlay = nullptr;
     std::int32_t mSoundLength = 0; // of the slide's sound that plays
+    clsSizeEstimator mSizeEstimator;
 };
