@@ -28,6 +28,7 @@ constexpr std::int64_t kAmrHeaderBytes = 6;
 constexpr std::int64_t kAmrFrameBytes = 27; // MR102, its header byte included
 constexpr std::int64_t kAmrFrameSamples = 160;
 constexpr std::int64_t kAmrRate = 8000;
+constexpr qsizetype kCacheLimit = 2000;
 
 struct JpegErrors {
     jpeg_error_mgr base;
@@ -90,21 +91,19 @@ std::int64_t gifBytes(const QImage& picture) {
 }
 
 // What publishing reads for a slide: the picture the save wrote, the empty slide without one.
-QImage publishedSource(const clsSlide& slide) {
-    if (!slide.Image().isNull())
-        return slide.Image().convertToFormat(QImage::Format_RGB32);
-    return QImage::fromData(emptySlideBitmap());
+const QImage& publishedSource(const clsSlide& slide) {
+    static const QImage empty = QImage::fromData(emptySlideBitmap());
+    return slide.Image().isNull() ? empty : slide.Image();
 }
 
-QByteArray pictureKey(const QImage& picture, const QString& format, int quality) {
+QByteArray pictureDigest(const QImage& picture) {
     QCryptographicHash hash(QCryptographicHash::Sha1);
     const qsizetype rowBytes = qsizetype(picture.width()) * picture.depth() / 8;
     for (int y = 0; y < picture.height(); ++y)
         hash.addData(
             QByteArrayView(reinterpret_cast<const char*>(picture.constScanLine(y)), rowBytes));
     return hash.result() + QByteArray::number(picture.width()) + 'x' +
-           QByteArray::number(picture.height()) + format.toLower().toLatin1() + '@' +
-           QByteArray::number(quality);
+           QByteArray::number(picture.height());
 }
 
 QByteArray serialised(const pugi::xml_document& document) {
@@ -236,14 +235,23 @@ std::int64_t clsSizeEstimator::PictureSize(const QImage& picture, const QString&
     const QString kind = format.toLower();
     if (kind == QLatin1String("bmp")) // 24 bits, rows padded to 4 bytes, behind a 54-byte head
         return 54 + std::int64_t((picture.width() * 3 + 3) & ~3) * picture.height();
-    const QByteArray key = pictureKey(picture, kind, jpegQuality);
+    // The same image object unchanged since it was last measured has the same contents: its
+    // digest is kept, so that a warm estimate reads no pixels.
+    if (mDigests.size() > kCacheLimit || mPictures.size() > kCacheLimit)
+        clear(); // a long session of edits leaves many pictures that are gone
+    QByteArray& digest = mDigests[picture.cacheKey()];
+    if (digest.isEmpty())
+        digest = pictureDigest(picture.convertToFormat(QImage::Format_RGB32));
+    const QByteArray key = digest + kind.toLatin1() + '@' + QByteArray::number(jpegQuality);
     if (const auto found = mPictures.constFind(key); found != mPictures.constEnd())
         return *found;
     std::int64_t bytes = 0;
     if (kind == QLatin1String("jpg"))
-        bytes = jpegBytes(picture.convertToFormat(QImage::Format_BGR888), jpegQuality);
+        bytes = jpegBytes(
+            picture.convertToFormat(QImage::Format_RGB32).convertToFormat(QImage::Format_BGR888),
+            jpegQuality);
     else if (kind == QLatin1String("gif"))
-        bytes = gifBytes(picture);
+        bytes = gifBytes(picture.convertToFormat(QImage::Format_RGB32));
     mPictures.insert(key, bytes);
     return bytes;
 }
@@ -273,6 +281,7 @@ std::int64_t clsSizeEstimator::SoundSize(const QString& path, bool convert) {
 }
 
 void clsSizeEstimator::clear() {
+    mDigests.clear();
     mPictures.clear();
     mSounds.clear();
 }

@@ -48,6 +48,7 @@ public:
     void clear();
 
 private:
+    QHash<qint64, QByteArray> mDigests;        // by QImage::cacheKey
     QHash<QByteArray, std::int64_t> mPictures; // picture digest + format + quality
     QHash<QString, std::int64_t> mSounds;      // path + modification time + size + convert
 };
