@@ -10,6 +10,7 @@
 #include "tests/audio/AudioTestUtil.h"
 
 #include <QLabel>
+#include <QPixmap>
 #include <QPointer>
 #include <gtest/gtest.h>
 
@@ -66,6 +67,11 @@ TEST_F(SizeBudgetWindow, StatusStripFollowsTheMessageAndTheLargestSize) {
     EXPECT_EQ(sizeLabel()->text(), expected(30720));
     EXPECT_NE(sizeLabel()->palette().color(QPalette::WindowText), normal) << "the warning colour";
     EXPECT_TRUE(sizeLabel()->font().bold());
+    // With TESSALY_SCREENSHOTS set (a folder), this state is kept as size-budget-en.png, the
+    // picture of docs/screenshots.
+    if (const QString shots = qEnvironmentVariable("TESSALY_SCREENSHOTS"); !shots.isEmpty()) {
+        EXPECT_TRUE(window->grab().save(shots + u"/size-budget-en.png"_s));
+    }
 
     // A connected phone's name takes the place while it is shown.
     window->MMSCommunication_Connect(true, 1, u"Phone"_s);
