@@ -35,13 +35,6 @@ QMap<QString, QByteArray> messageFiles(const QString& folder) {
     return files;
 }
 
-// The slide picture of a message as DIWriteJpg writes it at `quality`.
-QByteArray jpegAt(const QString& bitmap, int quality, const QString& scratch) {
-    return DIWriteJpg(QFile::encodeName(scratch), QFile::encodeName(bitmap), quality, 0) == 0
-               ? readFile(scratch)
-               : QByteArray("(not written)");
-}
-
 struct SizeBudget : ::testing::Test, PublishStore {
     template <typename Edit>
     std::shared_ptr<clsMessage> detailed(const QString& name, int slides, int noise, Edit edit) {
@@ -53,8 +46,13 @@ struct SizeBudget : ::testing::Test, PublishStore {
     MessageSize published(const QString& name) {
         return publishedSize(output(name), manager.fileList());
     }
+    // Slide `slide`'s picture as DIWriteJpg writes it at `quality`.
     QByteArray slideJpeg(const QString& name, int slide, int quality) {
-        return jpegAt(folder(name) + u"Slide_%1.bmp"_s.arg(slide), quality, home.file(u"q.jpg"_s));
+        const QString copy = home.file(u"q.jpg"_s);
+        const QString bitmap = folder(name) + u"Slide_%1.bmp"_s.arg(slide);
+        return DIWriteJpg(QFile::encodeName(copy), QFile::encodeName(bitmap), quality, 0) == 0
+                   ? readFile(copy)
+                   : QByteArray("(not written)");
     }
 };
 
