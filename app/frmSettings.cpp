@@ -222,7 +222,7 @@ void frmSettings::TranslateForm() {
     if (gLocalizer())
         ::TranslateForm(this);
     ui->lblCaption->setText(windowTitle());
-    LoadMessageSizes(chosenValue(ui->cboMaxMessageSize));
+    LoadMessageSizes(QString());
     // The captions of the tabs change their widths.
     placeTabBottom();
 }
@@ -254,13 +254,18 @@ void frmSettings::LoadValues() {
     LoadCommunication();
 }
 
-// The sizes by name, `chosen` (bytes) selected; a size of the preferences that has no name
-// shows in kilobytes, so that saving keeps it.
+// The sizes by name in the current language, the entry chosen kept; with `chosen` (bytes) its
+// entry is selected. A size of the preferences that has no name shows in kilobytes, so that
+// saving keeps it.
 void frmSettings::LoadMessageSizes(const QString& chosen) {
     QComboBox* combo = ui->cboMaxMessageSize;
-    combo->clear();
-    for (const auto& [bytes, key] : kMessageSizes)
-        combo->addItem(localText(QString::fromLatin1(key)), QString::number(bytes));
+    for (int i = 0; i < int(std::size(kMessageSizes)); ++i) {
+        const QString name = localText(QString::fromLatin1(kMessageSizes[i].second));
+        if (i < combo->count())
+            combo->setItemText(i, name);
+        else
+            combo->addItem(name, QString::number(kMessageSizes[i].first));
+    }
     if (!chosen.isEmpty() && !selectEntry(combo, chosen)) {
         combo->addItem(kilobytes(chosen.toLongLong()), chosen);
         combo->setCurrentIndex(combo->count() - 1);

@@ -69,7 +69,7 @@ TEST_F(SizeBudget, EstimateIsWithinFivePercentOfThePublishedMessage) {
         const char* format;
         int slides, noise;
         bool convertSound;
-    } samples[] = {{"Holiday", "jpg", 3, 0, true},
+    } samples[] = {{"Holiday", "bmp", 3, 0, true},
                    {"Grainy Day", "jpg", 6, 40, true},
                    {"Gif Card", "gif", 2, 10, false}};
     for (const auto& sample : samples) {
