@@ -75,8 +75,9 @@ public:
     // types ask for (mms.tpl, mms.pkg and mms.sis). `timeFormat` 1 writes durations as "3.000s",
     // any other value as "3000ms". Progress goes out through ProsessingSlide. Returns the
     // status: 0 success, 1 the folder or the presentation could not be made, 2 a picture, 3 a
-    // sound could not be converted, 4 packing failed; GetSaveAsMMSStatus() then says "OK" or
-    // the failure's text.
+    // sound could not be converted, 4 packing failed; GetSaveAsMMSStatus() then says "OK", what
+    // fitting under the largest size did or what is still above it (both status 0: every file
+    // is written), or the failure's text.
     std::int32_t SaveAsMMS(clsMessage& message, bool convertSound, std::int32_t timeFormat);
     QString GetSaveAsMMSStatus() const { return mStatusText; }
     // The files of the last publication, in the order they were made, separated by ";".
