@@ -368,8 +368,8 @@ void frmMain::styleLabels() {
     style(ui->lblCaption, 17, true, Qt::white);
     style(ui->lblMessageTitle, 13, false, QColor(0xc9, 0xd4, 0xea));
     const QColor text(0x2a, 0x33, 0x48);
-    for (QLabel* label :
-         {ui->lblPhoneConnected, ui->lblSlideNo, ui->lblTotalTimeDesc, ui->lblMaxTime})
+    for (QLabel* label : {ui->lblPhoneConnected, ui->lblSlideNo, ui->lblTotalTimeDesc,
+                          ui->lblMaxTime, ui->lblMessageSize})
         style(label, 11, false, text);
     style(ui->lblMaxTime, 11, true, text);
     style(ui->lblToolTitle, 12, true, text);
@@ -642,6 +642,7 @@ void frmMain::TranslateForm() {
 
 void frmMain::ApplySettings() {
     InitSkin();
+    UpdateSizeEstimate();
 }
 
 void frmMain::ShowSettings() {
@@ -670,11 +671,13 @@ void frmMain::MMSCommunication_Connect(bool connected, int connectionType, const
         ui->lblPhoneConnected->clear();
         ui->lblPhoneConnected->setToolTip(QString());
         ui->ctlBlink1->Start(0, blink);
+        UpdateSizeEstimate();
         return;
     }
     ui->lblPhoneConnected->setToolTip(name);
     ui->lblPhoneConnected->setText(name.size() > 10 ? name.left(7) + QStringLiteral("...") : name);
     ui->ctlBlink1->Start(connectionType == 1 || connectionType == 2 ? connectionType : 3, blink);
+    UpdateSizeEstimate();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -1036,6 +1039,7 @@ void frmMain::ctlPictureEditor1_CanvasChanged() {
         mSlide->setImage(ui->picPreview->pixmap().toImage());
     ShowChangedSlide();
     mChanged = true;
+    UpdateSizeEstimate();
 }
 
 void frmMain::LoadDuration() {
@@ -1078,7 +1082,34 @@ std::int32_t frmMain::UpdateTotalTime() {
         for (const auto& s : *mMessage->Slides())
             total += s->Duration();
     ui->lblMaxTime->setText(Format(total / 1000.0, QStringLiteral("#0.0s")));
+    UpdateSizeEstimate();
     return total;
+}
+
+void frmMain::UpdateSizeEstimate() {
+    // The size shares its place on the status strip with the name of a connected phone.
+    ui->lblMessageSize->setVisible(ui->lblPhoneConnected->text().isEmpty());
+    if (!mMessage) {
+        ui->lblMessageSize->clear();
+        return;
+    }
+    PublishSettings settings;
+    settings.messageFolder = mMMSManager->GetMessagePath() + mMessage->name() + QLatin1Char('/');
+    settings.format = pref(QStringLiteral("ImageFormat"), QStringLiteral("jpg"));
+    const std::int64_t size = mSizeEstimator.Estimate(*mMessage, settings).total();
+    const std::int64_t budget = maxMessageSize();
+    const QString estimate = kilobytes(size);
+    ui->lblMessageSize->setText(localTextPar(QStringLiteral("STR_SIZE_ESTIMATE"),
+                                             {estimate.chopped(3), kilobytes(budget)}));
+    ui->lblMessageSize->setToolTip(
+        localTextPar(QStringLiteral("STR_SIZE_ESTIMATE_TIP"), {estimate, kilobytes(budget)}));
+    QPalette palette = ui->lblMessageSize->palette();
+    palette.setColor(QPalette::WindowText,
+                     size > budget ? QColor(0xc0, 0x1c, 0x28) : QColor(0x2a, 0x33, 0x48));
+    ui->lblMessageSize->setPalette(palette);
+    QFont font = ui->lblMessageSize->font();
+    font.setBold(size > budget);
+    ui->lblMessageSize->setFont(font);
 }
 
 void frmMain::EnableSlideCommands(bool enabled) {
@@ -1169,6 +1200,7 @@ void frmMain::DeleteSlideSound(int index) {
         }
     }
     mChanged = true;
+    UpdateSizeEstimate();
 }
 
 void frmMain::AssignSound(QString& path, QString& fileName) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/clsPreviewTiming.h"
+#include "store/modSizeEstimate.h"
 
 #include <QElapsedTimer>
 #include <QPointer>
@@ -92,6 +93,9 @@ public:
     void RefreshPreviewImage();
     void UpdateTitle();
     std::int32_t UpdateTotalTime();
+    // Shows the estimated published size of the message against the largest size, in the
+    // warning colour above it. Cheap: unchanged pictures and sounds are not measured again.
+    void UpdateSizeEstimate();
     void EnableSlideCommands(bool enabled);
 
     // The slide's sound.
@@ -218,4 +222,5 @@ private:
     QPointer<QWidget> mDockedPicture;
     int mDockLeft = 0;
     int mDockTop = 0;
+    clsSizeEstimator mSizeEstimator;
 };

@@ -11,6 +11,7 @@
 #include "platform/Failure.h"
 #include "platform/modDialogs.h"
 #include "platform/modText.h"
+#include "store/modSizeEstimate.h"
 
 #include <QButtonGroup>
 #include <QDir>
@@ -46,6 +47,12 @@ struct FlagControl {
 
 // The values of the picture formats, in list order; the list shows them in capitals.
 const char* const kImageFormats[] = {"jpg", "gif", "bmp"};
+// The largest message sizes offered, in bytes, with the text keys of their names: the MMS
+// content classes, then two sizes carriers take.
+const std::pair<std::int64_t, const char*> kMessageSizes[] = {
+    {30720, "STR_SIZE_CLASS_TEXT"},        {30720, "STR_SIZE_CLASS_IMAGE_BASIC"},
+    {102400, "STR_SIZE_CLASS_IMAGE_RICH"}, {307200, "STR_SIZE_CLASS_VIDEO_RICH"},
+    {614400, "STR_SIZE_CLASS_600"},        {1048576, "STR_SIZE_CLASS_1024"}};
 // The values of MMSTimeFormat by option index.
 const char* const kTimeFormats[] = {"ms", "s"};
 
@@ -131,8 +138,8 @@ void frmSettings::nameControlArrays() {
 
 void frmSettings::styleWindow() {
     ui->cmdClose->setCaptionLook(QStringLiteral("close"));
-    for (QComboBox* combo :
-         {ui->cboImageFormat, ui->cboSkins, ui->cboPreviewType, ui->ComboLanguage})
+    for (QComboBox* combo : {ui->cboImageFormat, ui->cboSkins, ui->cboPreviewType,
+                             ui->ComboLanguage, ui->cboMaxMessageSize})
         combo->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     for (const char* format : kImageFormats)
         ui->cboImageFormat->addItem(QString::fromLatin1(format).toUpper(),
@@ -153,8 +160,8 @@ void frmSettings::styleWindow() {
         "QPushButton#tabCaption:checked { background: white; color: #10192c; }"
         "QFrame#frmTabs { background: white; border: 1px solid #b4bfcf; }"
         "QWidget#picTabBottom { background: white; }"
-        "QLabel#lblTimeFormat, QLabel#lblImageFormat, QLabel#lblDockState, QLabel#lblLanguage"
-        " { font-weight: bold; color: #1d2b4a; padding-top: 6px; }"
+        "QLabel#lblTimeFormat, QLabel#lblImageFormat, QLabel#lblDockState, QLabel#lblLanguage,"
+        " QLabel#lblMaxMessageSize { font-weight: bold; color: #1d2b4a; padding-top: 6px; }"
         "QLabel#lblCommunication, QLabel#lblLanguageInfo { color: #5a6578; }"
         "QGroupBox#FrameCommunication { font-weight: bold; color: #1d2b4a; }"
         "QGroupBox#FrameCommunication > QRadioButton { font-weight: normal; }"
@@ -183,7 +190,7 @@ void frmSettings::connectControls() {
     connect(mTimeFormat, &QButtonGroup::idClicked, this, &frmSettings::OptionClick);
     connect(mDockState, &QButtonGroup::idClicked, this, &frmSettings::OptionClick);
     connect(mCommunication, &QButtonGroup::idClicked, this, &frmSettings::chkCommunication_Click);
-    for (QComboBox* combo : {ui->cboImageFormat, ui->ComboLanguage})
+    for (QComboBox* combo : {ui->cboImageFormat, ui->ComboLanguage, ui->cboMaxMessageSize})
         connect(combo, &QComboBox::activated, this, &frmSettings::OptionClick);
     connect(ui->cboSkins, &QComboBox::currentIndexChanged, this, &frmSettings::cboSkins_Click);
     connect(ui->cboSkins, &QComboBox::activated, this, &frmSettings::OptionClick);
@@ -215,6 +222,7 @@ void frmSettings::TranslateForm() {
     if (gLocalizer())
         ::TranslateForm(this);
     ui->lblCaption->setText(windowTitle());
+    LoadMessageSizes(QString());
     // The captions of the tabs change their widths.
     placeTabBottom();
 }
@@ -236,6 +244,7 @@ void frmSettings::LoadValues() {
         option->setChecked(true);
     LoadTimeFormat();
     selectEntry(ui->cboImageFormat, pref(QStringLiteral("ImageFormat"), QStringLiteral("jpg")));
+    LoadMessageSizes(QString::number(maxMessageSize()));
     SetBackColor(pref(QStringLiteral("BackgroundColor"), QStringLiteral("16777215")).toInt());
 
     GetInstalledLanguages();
@@ -243,6 +252,24 @@ void frmSettings::LoadValues() {
     selectEntry(ui->ComboLanguage, mOldLanguage);
     LoadSkins();
     LoadCommunication();
+}
+
+// The sizes by name in the current language, the entry chosen kept; with `chosen` (bytes) its
+// entry is selected. A size of the preferences that has no name shows in kilobytes, so that
+// saving keeps it.
+void frmSettings::LoadMessageSizes(const QString& chosen) {
+    QComboBox* combo = ui->cboMaxMessageSize;
+    for (int i = 0; i < int(std::size(kMessageSizes)); ++i) {
+        const QString name = localText(QString::fromLatin1(kMessageSizes[i].second));
+        if (i < combo->count())
+            combo->setItemText(i, name);
+        else
+            combo->addItem(name, QString::number(kMessageSizes[i].first));
+    }
+    if (!chosen.isEmpty() && !selectEntry(combo, chosen)) {
+        combo->addItem(kilobytes(chosen.toLongLong()), chosen);
+        combo->setCurrentIndex(combo->count() - 1);
+    }
 }
 
 // Seconds may be offered only where the preferences allow them.
@@ -427,6 +454,8 @@ void frmSettings::Save() {
             flag(ui->chkExtendedBrowser->isChecked()));
     if (ui->cboImageFormat->currentIndex() >= 0)
         setPref(kPreferences, QStringLiteral("ImageFormat"), chosenValue(ui->cboImageFormat));
+    if (ui->cboMaxMessageSize->currentIndex() >= 0)
+        setPref(kPreferences, QStringLiteral("MaxMessageSize"), chosenValue(ui->cboMaxMessageSize));
     const int time = std::max(0, mTimeFormat->checkedId());
     setPref(kPreferences, QStringLiteral("MMSTimeFormat"), QString::fromLatin1(kTimeFormats[time]));
     if (mDockState->checkedId() >= 0)

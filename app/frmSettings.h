@@ -71,6 +71,7 @@ private:
     void connectControls();
     void Form_Load();
     void LoadValues();
+    void LoadMessageSizes(const QString& chosen);
     void LoadTimeFormat();
     void LoadSkins();
     void LoadCommunication();

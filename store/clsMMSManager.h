@@ -72,12 +72,15 @@ public:
 
     // Publishes `message` into the folder "mms" of its message folder: a picture per slide in the
     // preference ImageFormat (jpg, gif, bmp), the slide's sound (a WAV converted to AMR when
-    // `convertSound`), its text, texts.xml and mms.smil, the send request mms.mms when asked
-    // (setMakePdu), then the packages the template file types ask for (mms.tpl, mms.pkg and
-    // mms.sis). `timeFormat` 1 writes durations as "3.000s", any other value as "3000ms".
-    // Progress goes out through ProsessingSlide. Returns the status: 0 success, 1 the folder or
-    // the presentation could not be made, 2 a picture, 3 a sound could not be converted, 4 the
-    // send request or packing failed; GetSaveAsMMSStatus() then says "OK" or the failure's text.
+    // `convertSound`), its text, texts.xml and mms.smil, then fits the pictures under the largest
+    // message size when they are JPEG, writes the send request mms.mms when asked (setMakePdu),
+    // then the packages the template file types ask for (mms.tpl, mms.pkg and mms.sis).
+    // `timeFormat` 1 writes durations as "3.000s", any other value as "3000ms". Progress goes
+    // out through ProsessingSlide. Returns the status: 0 success, 1 the folder or the
+    // presentation could not be made, 2 a picture, 3 a sound could not be converted, 4 the send
+    // request or packing failed; GetSaveAsMMSStatus() then says "OK", what fitting under the
+    // largest size did or what is still above it (both status 0: every file is written), or the
+    // failure's text.
     std::int32_t SaveAsMMS(clsMessage& message, bool convertSound, std::int32_t timeFormat);
     QString GetSaveAsMMSStatus() const { return mStatusText; }
     // The files of the last publication, in the order they were made, separated by ";".
@@ -94,6 +97,14 @@ public:
     void setMakePdu(bool make, const QStringList& to = {});
     // The companion program `name` as found, or "".
     QString companionProgram(const QString& name) const;
+    // The largest message publishing aims at, in bytes; 0 (the default) reads the preference
+    // MaxMessageSize at each SaveAsMMS. Above it, JPEG slide pictures are published at lower
+    // qualities until the message fits; what is still too large is told in the status text.
+    void setMaxMessageSize(std::int64_t bytes) { mMaxMessageSize = bytes; }
+    // The presentation and the text list as publishing starts them ("<name>" stands for the
+    // message's name), for whoever builds them the same way.
+    static QByteArray presentationTemplate();
+    static QByteArray textsTemplate();
 
 signals:
     // Progress of publishing: a slide of a total, or with `slide` below 1 a phase in `total`.
@@ -132,6 +143,9 @@ private:
     // Records a failed step: `status` and the failure's text under `key`.
     void setFailure(std::int32_t status, const QString& key, const Failure& failure);
     void phase(std::int16_t slide, std::int16_t total);
+    // Publishes the JPEG pictures at lower qualities while the message is above the largest
+    // size; leaves the outcome in mFitNote (clsMMSManagerFit.cpp).
+    void fitToBudget(const PublishTarget& target);
 
 protected:
     // The store folder of a message, checked: raises a failure when the store is not set up or
@@ -154,4 +168,6 @@ protected:
     QString mPictureFormat;
     std::optional<bool> mMakePdu;
     QStringList mPduTo;
+    std::int64_t mMaxMessageSize = 0;
+    QString mFitNote; // what fitting did, "" when the message fitted as written
 };

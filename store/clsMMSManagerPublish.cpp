@@ -128,6 +128,7 @@ std::int32_t clsMMSManager::SaveAsMMS(clsMessage& message, bool convertSound,
     mStatus = 1;
     mStatusText = localText(QStringLiteral("STR_ERROR"));
     mFileList.clear();
+    mFitNote.clear();
     const QString format = !mPictureFormat.isEmpty()
                                ? mPictureFormat
                                : preference(QStringLiteral("preferences"),
@@ -154,6 +155,8 @@ std::int32_t clsMMSManager::SaveAsMMS(clsMessage& message, bool convertSound,
             }
             phase(-1, 1);
             saveDocuments(outputFolder);
+            // The send request carries the fitted pictures.
+            fitToBudget(target);
             // mms.mms stays out of the file list, so no package carries it.
             QString problem;
             if (makePdu() && !writeMmsPdu(outputFolder, name, mPduTo, &problem))
@@ -165,7 +168,7 @@ std::int32_t clsMMSManager::SaveAsMMS(clsMessage& message, bool convertSound,
                 packSis(name, outputFolder, QString::fromUtf8(kPackageName), mFileList);
             if (mStatus == 1) {
                 mStatus = 0;
-                mStatusText = QStringLiteral("OK");
+                mStatusText = mFitNote.isEmpty() ? QStringLiteral("OK") : mFitNote;
             }
         }
     } catch (const Failure& failure) {
@@ -454,4 +457,12 @@ QString clsMMSManager::companionProgram(const QString& name) const {
             return candidate.absoluteFilePath();
     }
     return {};
+}
+
+QByteArray clsMMSManager::presentationTemplate() {
+    return joinLines(kSmilTemplate);
+}
+
+QByteArray clsMMSManager::textsTemplate() {
+    return joinLines(kTextsTemplate);
 }

@@ -3,11 +3,12 @@
 //
 //     tessaly-publish MESSAGE_FOLDER [--format jpg|gif|bmp] [--time s|ms]
 //                     [--convert-sound yes|no] [--packages none|tpl|sis|tpl,sis]
-//                     [--pdu [--to NUMBER]...]
+//                     [--pdu [--to NUMBER]...] [--max-size BYTES]
 //
-// Unset options take the program's preferences. Exit code 0 after a complete publication; the
-// publication's status (1 to 4) with its text on stderr when it failed; 64 for a bad command
-// line, 66 when the folder holds no message.
+// Unset options take the program's preferences. Exit code 0 after a complete publication (a
+// note on stderr when the pictures were fitted to the largest size, or the message is still
+// above it); the publication's status (1 to 4) with its text on stderr when it failed; 64 for a
+// bad command line, 66 when the folder holds no message.
 #include "config/clsPropertiesXML.h"
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
@@ -41,6 +42,7 @@ struct Options {
     bool makeSis = true;
     bool makePdu = false; // false: the preference MakePdu decides
     QStringList to;
+    std::int64_t maxSize = 0; // 0: the preference MaxMessageSize
 };
 
 void say(const QString& text) {
@@ -76,6 +78,9 @@ Options readOptions(const QCoreApplication& app) {
                       QStringLiteral("A recipient of mms.mms (repeatable): a phone number or an "
                                      "e-mail address."),
                       QStringLiteral("number")});
+    parser.addOption({QStringLiteral("max-size"),
+                      QStringLiteral("The largest message size in bytes; pictures are fitted."),
+                      QStringLiteral("bytes")});
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
         usage(parser, QStringLiteral("Name one message folder."));
@@ -125,6 +130,12 @@ Options readOptions(const QCoreApplication& app) {
         if (mmsAddress(recipient).isEmpty())
             usage(parser, QStringLiteral("--to takes a phone number or an e-mail address, not %1.")
                               .arg(recipient));
+    if (parser.isSet(QStringLiteral("max-size"))) {
+        bool ok = false;
+        options.maxSize = parser.value(QStringLiteral("max-size")).toLongLong(&ok);
+        if (!ok || options.maxSize <= 0)
+            usage(parser, QStringLiteral("--max-size takes a number of bytes above 0."));
+    }
     return options;
 }
 
@@ -192,6 +203,7 @@ int main(int argc, char** argv) {
     clsMMSManager manager;
     manager.Initialize(folder.absoluteDir().absolutePath(), messageFile);
     manager.setPictureFormat(options.format);
+    manager.setMaxMessageSize(options.maxSize);
     if (!options.makeTemplate)
         manager.ClearTemplateFileType(1);
     if (!options.makeSis)
@@ -208,7 +220,7 @@ int main(int argc, char** argv) {
     }
     const std::int32_t status =
         manager.SaveAsMMS(*message, options.convertSound, options.timeFormat);
-    if (status != 0)
+    if (status != 0 || manager.GetSaveAsMMSStatus() != QLatin1String("OK"))
         say(manager.GetSaveAsMMSStatus() + QLatin1Char('\n'));
     return status;
 }

@@ -224,6 +224,8 @@ TEST_F(Settings, EveryPreferenceWrittenIsReadBackByItsReader) {
         {click("bTextColor"), prefs, u"BackgroundColor"_s, u"16777215"_s, u"255"_s},
         {click("chkExtendedBrowser"), prefs, u"ExtendedBrowser"_s, u"0"_s, u"1"_s},
         {pick("cboImageFormat", u"gif"_s), prefs, u"ImageFormat"_s, u"jpg"_s, u"gif"_s},
+        {pick("cboMaxMessageSize", u"102400"_s), prefs, u"MaxMessageSize"_s, u"307200"_s,
+         u"102400"_s},
         {click("chkTimeFormat", 1), prefs, u"MMSTimeFormat"_s, u"ms"_s, u"s"_s},
         {click("ctlDockState", 2), prefs, u"PreviewMode"_s, u"0"_s, u"2"_s},
         {click("chkCommunication", 2), prefs, u"CommunicationType"_s, u"1"_s, u"2"_s},
