@@ -195,6 +195,7 @@ private:
     bool showsTextPrompt() const;
     void ShowTextPromptLook();
     void txtMessage_Focus(bool entered);
+    void ctlBrowserBackground_Browse();
     QString text(const QString& key) const;
 
     // The slide strip.

@@ -4,6 +4,7 @@
 #include "app/frmMain.h"
 #include "ui_frmMain.h"
 
+#include "browse/ctlBrowser.h"
 #include "browse/ctlSlideThumbs.h"
 #include "canvas/ctlPictureEditor.h"
 #include "config/modConfig.h"
@@ -64,6 +65,8 @@ void frmMain::connectSlideCommands() {
         if (mMessage && mSlide)
             DeleteSlide(mSlide->Index(), askDeleteSlide());
     });
+    connect(ui->ctlBrowserBackground, &ctlBrowser::BrowseWanted, this,
+            &frmMain::ctlBrowserBackground_Browse);
     ui->txtMessage->installEventFilter(
         new FocusWatcher(this, [this](bool entered) { txtMessage_Focus(entered); }));
 }
@@ -301,4 +304,24 @@ bool frmMain::mFrmPictureBrowser_AddPicture(const QImage& picture) {
     mChanged = true;
     EnableSlideCommands(true);
     return true;
+}
+
+// With the extended browser chosen in the settings, a picture browsed in goes that browser's
+// way: it is read here and handed over as a picture, kept in the Work folder.
+void frmMain::ctlBrowserBackground_Browse() {
+    const QString patterns = QStringLiteral("*.bmp;*.gif;*.jpg;*.jpeg");
+    const QString filter = text(QStringLiteral("STR_BFILTER_PICTURE")) + QStringLiteral(" (") +
+                           patterns + QStringLiteral(")|") + patterns + QLatin1Char('|') +
+                           text(QStringLiteral("STR_BFILTER_ALL")) + QStringLiteral(" (*.*)|*.*");
+    QString file;
+    if (!GetOpenFileName(this, file, text(QStringLiteral("STR_BROWSER_PICTURE")), filter, QString(),
+                         ui->ctlBrowserBackground->Path()))
+        return;
+    const QImage picture(file);
+    if (picture.isNull()) {
+        MsgBox(text(QStringLiteral("STR_NO_FILE_FOUND")) + QLatin1Char('\n') + file,
+               Vb::Exclamation, text(QStringLiteral("APP_PRODUCTNAME")));
+        return;
+    }
+    mFrmPictureBrowser_AddPicture(picture);
 }
