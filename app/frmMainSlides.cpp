@@ -21,6 +21,7 @@
 #include <QDir>
 #include <QEvent>
 #include <QStyle>
+#include <QTimer>
 #include <functional>
 
 namespace {
@@ -250,7 +251,15 @@ void frmMain::DeleteSlideText(int index) {
 // ---------------------------------------------------------------------------------------------
 // The strip's pop-up menu
 
+bool frmMain::slideCommandsHeld() const {
+    return mPlaying || (mTimerPlay && mTimerPlay->isActive());
+}
+
 void frmMain::ctlSlideThumbs1_MenuClick(std::int32_t key, int index) {
+    // A click beside the tiles adds a slide even while the strip's menu is off: not while the
+    // show or the slide's sound plays.
+    if (slideCommandsHeld())
+        return;
     const bool ask = askNewSlide();
     switch (key) {
     case ctlSlideThumbs::KeyAdd:

@@ -21,6 +21,7 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 namespace {
@@ -240,6 +241,21 @@ TEST_F(SlideEditing, SlideRoundTripsThroughTheControlsAndSoundSetsTheTimes) {
     EXPECT_EQ(window->slide()->Duration(), 3300);
     EXPECT_EQ(child<QLabel>("lblMaxTime")->text(),
               QString::number((3300 + second) / 1000.0, 'f', 1) + QLatin1Char('s'));
+}
+
+TEST_F(SlideEditing, SlideCommandsWaitWhileTheSlideSoundPlays) {
+    QString path = home.path() + QLatin1Char('/');
+    QString name = QStringLiteral("short.wav");
+    audiotest::writeFile(path + name, audiotest::wavBytes(8000, 16, 1, 4000));
+    window->AssignSound(path, name);
+    child<GrButtonIII>("bPlayAudio")->click();
+    ASSERT_TRUE(window->TimerPlay()->isActive());
+    textBox()->setPlainText(QStringLiteral("typed meanwhile"));
+    emit strip()->MenuClick(ctlSlideThumbs::KeyAdd, 1);
+    EXPECT_FALSE(child<GrButtonIII>("cmdDeleteSlide")->isEnabled());
+    EXPECT_EQ(slides().Count(), 1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window->TimerPlay()->isActive(); }, 5000));
+    EXPECT_TRUE(child<GrButtonIII>("cmdDeleteSlide")->isEnabled());
 }
 
 TEST_F(SlideEditing, BrowsedPictureIsKeptInTheWorkFolderAsTheBackground) {
