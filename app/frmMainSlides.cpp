@@ -20,6 +20,8 @@
 #include <QDateTime>
 #include <QDir>
 #include <QEvent>
+#include <QKeyEvent>
+#include <QPlainTextEdit>
 #include <QStyle>
 #include <QTimer>
 #include <functional>
@@ -31,24 +33,38 @@ bool preferenceSaysYes(const char* key) {
                       QStringLiteral("1")) == QLatin1String("1");
 }
 
-// Watches the text box's focus: entering it takes the prompt away, leaving it empty brings the
-// prompt back.
-class FocusWatcher : public QObject {
+// Watches the text box: entering it, clicking into it or typing in it takes the prompt away
+// (the box may keep the focus while another slide's prompt is loaded into it); leaving it
+// empty brings the prompt back.
+class PromptWatcher : public QObject {
 public:
-    FocusWatcher(QObject* parent, std::function<void(bool)> onFocus)
-        : QObject(parent), mOnFocus(std::move(onFocus)) {}
+    PromptWatcher(QObject* parent, std::function<void(bool)> onEnter)
+        : QObject(parent), mOnEnter(std::move(onEnter)) {}
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::FocusIn)
-            mOnFocus(true);
-        else if (event->type() == QEvent::FocusOut)
-            mOnFocus(false);
+        switch (event->type()) {
+        case QEvent::FocusIn:
+        case QEvent::MouseButtonPress:
+            mOnEnter(true);
+            break;
+        case QEvent::KeyPress: {
+            const QString typed = static_cast<QKeyEvent*>(event)->text();
+            if (!typed.isEmpty() && typed.front().isPrint())
+                mOnEnter(true);
+            break;
+        }
+        case QEvent::FocusOut:
+            mOnEnter(false);
+            break;
+        default:
+            break;
+        }
         return QObject::eventFilter(watched, event);
     }
 
 private:
-    std::function<void(bool)> mOnFocus;
+    std::function<void(bool)> mOnEnter;
 };
 
 } // namespace
@@ -68,8 +84,9 @@ void frmMain::connectSlideCommands() {
     });
     connect(ui->ctlBrowserBackground, &ctlBrowser::BrowseWanted, this,
             &frmMain::ctlBrowserBackground_Browse);
-    ui->txtMessage->installEventFilter(
-        new FocusWatcher(this, [this](bool entered) { txtMessage_Focus(entered); }));
+    auto* watcher = new PromptWatcher(this, [this](bool entered) { txtMessage_Focus(entered); });
+    ui->txtMessage->installEventFilter(watcher);
+    ui->txtMessage->viewport()->installEventFilter(watcher);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -204,6 +204,9 @@ TEST_F(SlideEditing, TextPromptGoesOnEntryAndComesBackWhenLeftEmpty) {
     EXPECT_EQ(textBox()->toPlainText(), prompt());
     window->StoreSlideFromUI();
     EXPECT_TRUE(window->slide()->Text().isEmpty());
+    // Typing into a box that kept the focus while the prompt came back starts afresh too.
+    QTest::keyClicks(textBox(), QStringLiteral("Yo"));
+    EXPECT_EQ(textBox()->toPlainText(), QStringLiteral("Yo"));
 
     // Taking the text off leaves the box really empty, not showing the prompt.
     textBox()->setPlainText(QStringLiteral("gone soon"));
