@@ -151,6 +151,7 @@ frmMain::frmMain(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::frm
     connectBrowsers();
     connectSendCommands();
     connectSlideStrip();
+    connectSlideCommands();
     connectPreview();
     ui->lblCaption->installEventFilter(this);
     ui->lblMessageTitle->installEventFilter(this);
@@ -389,7 +390,8 @@ void frmMain::styleLabels() {
     ui->txtMessage->setFrameShape(QFrame::NoFrame);
     ui->txtMessage->setStyleSheet(
         QStringLiteral("QPlainTextEdit { background: white; border: 1px solid #b8c2d6; "
-                       "border-radius: 4px; color: #2a3348; }"));
+                       "border-radius: 4px; color: #2a3348; }"
+                       "QPlainTextEdit[prompt=\"true\"] { color: #8a93a8; }"));
 }
 
 void frmMain::placeToolPages() {
@@ -719,9 +721,37 @@ void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
     case MenuKey::SlideAdd:
         AddSlide(ask, true);
         break;
+    case MenuKey::SlideInsertBefore:
+        if (mSlide)
+            InsertSlideBefore(mSlide->Index(), ask);
+        break;
+    case MenuKey::SlideInsertAfter:
+        if (mSlide)
+            InsertSlideAfter(mSlide->Index(), ask);
+        break;
+    case MenuKey::SlideDuplicateBefore:
+        if (mSlide)
+            DuplicateSlideBefore(mSlide->Index(), ask);
+        break;
+    case MenuKey::SlideDuplicateAfter:
+        if (mSlide)
+            DuplicateSlideAfter(mSlide->Index(), ask);
+        break;
+    case MenuKey::SlideDeleteSlide:
+        if (mSlide)
+            DeleteSlide(mSlide->Index(), askDeleteSlide());
+        break;
+    case MenuKey::SlideDeleteImage:
+        if (mSlide)
+            DeleteSlideImage(mSlide->Index());
+        break;
     case MenuKey::SlideDeleteSound:
         if (mSlide)
             DeleteSlideSound(mSlide->Index());
+        break;
+    case MenuKey::SlideDeleteText:
+        if (mSlide)
+            DeleteSlideText(mSlide->Index());
         break;
     case MenuKey::SlidePreview:
         cmdPreview_Click();
@@ -738,7 +768,7 @@ void frmMain::ctlMainMenu1_MenuClick(std::int32_t key) {
         break;
     }
     default:
-        // The slide commands beyond adding and the preview come with their windows.
+        // Keys of sub-menus are never raised.
         break;
     }
 }
@@ -1060,11 +1090,6 @@ void frmMain::LoadTextAndSound() {
     ui->lblSoundFile->setToolTip(sound);
 }
 
-void frmMain::txtMessage_Change() {
-    // Any change of the text box marks the document, also the load of another slide's text.
-    mChanged = true;
-}
-
 void frmMain::UpdateTitle() {
     ui->lblSlideNo->setText(mSlide ? text(QStringLiteral("MNU_SLIDE_DELETE_SLIDE")) +
                                          QLatin1Char(' ') + QString::number(mSlide->Index())
@@ -1169,6 +1194,8 @@ void frmMain::DeleteSlideSound(int index) {
         }
     }
     mChanged = true;
+    if (slide)
+        ui->ctlSlideThumbs1->DrawThumb(true, *slide);
 }
 
 void frmMain::AssignSound(QString& path, QString& fileName) {
@@ -1192,6 +1219,7 @@ void frmMain::AssignSound(QString& path, QString& fileName) {
                                   Format(duration / 1000.0, QStringLiteral("#0.0s")));
     }
     LoadDuration();
+    ui->ctlSlideThumbs1->DrawThumb(true, *mSlide);
     UpdateTotalTime();
     EnableSlideCommands(true);
     mChanged = true;

@@ -93,6 +93,20 @@ public:
     void UpdateTitle();
     std::int32_t UpdateTotalTime();
     void EnableSlideCommands(bool enabled);
+    // A new slide before or after the slide at `index`, after a question when `ask`; the new
+    // slide becomes the current one. A duplicate is always a copy of the current slide.
+    void InsertSlideBefore(int index, bool ask);
+    void InsertSlideAfter(int index, bool ask);
+    void DuplicateSlideBefore(int index, bool ask);
+    void DuplicateSlideAfter(int index, bool ask);
+    // Deletes the slide at `index`; the only slide of a message is emptied instead.
+    void DeleteSlide(int index, bool ask);
+    // Take the picture or the text off the slide at `index`.
+    void DeleteSlideImage(int index);
+    void DeleteSlideText(int index);
+    // A picture from the extended picture browser: kept in the Work folder and put on the
+    // canvas as the background. False, after a box, when it could not be written.
+    bool mFrmPictureBrowser_AddPicture(const QImage& picture);
 
     // The slide's sound.
     // Checks the sound `path` + `fileName` (path ending with a separator) and gives it to the
@@ -163,6 +177,24 @@ private:
     void placeToolPages();
     void styleLabels();
     bool askNewSlide() const;
+    bool askDeleteSlide() const;
+
+    // Slide commands (frmMainSlides.cpp).
+    enum class NewSlidePlace { Before, After };
+    struct NewSlide {
+        int index;
+        bool ask;
+        NewSlidePlace place;
+        bool duplicate;
+    };
+    void connectSlideCommands();
+    bool ConfirmNewSlide(const NewSlide& request) const;
+    void PlaceNewSlide(const NewSlide& request);
+    void RemoveSlide(int index);
+    void EmptyOnlySlide();
+    bool showsTextPrompt() const;
+    void ShowTextPromptLook();
+    void txtMessage_Focus(bool entered);
     QString text(const QString& key) const;
 
     // The slide strip.

@@ -80,18 +80,6 @@ void frmMain::ctlSlideThumbs1_SlideClick(int index) {
     UpdateTitle();
 }
 
-void frmMain::ctlSlideThumbs1_MenuClick(std::int32_t key, int) {
-    switch (key) {
-    case ctlSlideThumbs::KeyAdd:
-        AddSlide(pref(QStringLiteral("AskNewSlide"), QStringLiteral("1")) == QLatin1String("1"),
-                 true);
-        break;
-    default:
-        // Inserting, duplicating and deleting come with the slide commands of the menu bar.
-        break;
-    }
-}
-
 // ---------------------------------------------------------------------------------------------
 // Preview playback
 
@@ -126,6 +114,7 @@ frmPreview* frmMain::previewWindow() {
     connect(mFrmPreview, &frmPreview::StopPlayer, this, &frmMain::StopPreview);
     connect(mFrmPreview, &frmPreview::ClosePreview, this, &frmMain::mFrmPreview_ClosePreview);
     connect(mFrmPreview, &frmPreview::Dock, this, &frmMain::mFrmPreview_Dock);
+    connect(mFrmPreview, &frmPreview::DownloadPicture, this, &frmMain::ShowDownloadPicture);
     return mFrmPreview;
 }
 
