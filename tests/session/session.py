@@ -259,8 +259,7 @@ class Session:
         self.pick("symbols", picture_tile(slide["symbol"][1]), slide["scroll"])
         if shots:
             self.shoot("symbol")
-        self.click(TEXT_BOX)
-        self.keys("ctrl+a")  # the prompt of an empty box goes
+        self.click(TEXT_BOX)  # the first click takes the prompt away
         self.type(slide["text"])
         if shots:
             self.shoot("text")
@@ -285,16 +284,20 @@ class Session:
         Returns the File menu opened after the end, and how long the show took."""
         self.click(PREVIEW_PLAY)
         started = time.monotonic()
-        self.shoot("preview")
         self.click(FILE_MENU)
         time.sleep(0.2)
         if len(self.windows()) > 1:
             raise SessionError("the File menu opened while the preview should play")
+        # The picture of the show is taken while the last slide is on.
+        last_slide = sum(sound_length_ms(s["sound"][0]) for s in SLIDES[:-1]) / 1000 + 0.3
+        shot = []
 
         def menu_open():
             shown = [w for w in self.windows() if w != self.window]
             if shown:
                 return shown[0]
+            if not shot and time.monotonic() - started > last_slide:
+                shot.append(self.shoot("preview"))
             self.click(FILE_MENU)
             time.sleep(0.2)
             return None
@@ -350,6 +353,15 @@ def check_built(slides):
             raise SessionError("slide %d is saved as %r, not as made: %r" % (number, saved, wanted))
 
 
+def file_stamp(path):
+    """Tells one written version of a file from another: a save writes a new file."""
+    try:
+        info = os.stat(path)
+    except FileNotFoundError:
+        return None
+    return info.st_ino, info.st_mtime_ns
+
+
 def folder_bytes(folder):
     return {name: open(os.path.join(folder, name), "rb").read()
             for name in sorted(os.listdir(folder))}
@@ -392,10 +404,9 @@ def run(program, shots):
         for index in (2, 3, 1):  # each slide goes through the window and back
             session.click(strip_tile(index))
         session.shoot("reopened")
-        saved_at = os.stat(document).st_mtime_ns
+        saved_at = file_stamp(document)
         session.file_menu(FILE_SAVE)
-        wait_for(lambda: os.path.isfile(document) and os.stat(document).st_mtime_ns != saved_at,
-                 "the message saved again")
+        wait_for(lambda: file_stamp(document) not in (None, saved_at), "the message saved again")
         again = read_slides(document)
         if again != first:
             raise SessionError("the reopened message differs:\nfirst  %r\nagain  %r"
@@ -408,6 +419,11 @@ def run(program, shots):
         print("the session built, played, saved and reopened %d slides (preview %.1f s)"
               % (len(first), took))
         return 0
+    except SessionError:
+        if session and session.process:
+            print("the program shows: %r" % sorted(session.windows().values()))
+            session.shoot("failure")
+        raise
     finally:
         if session:
             session.kill()
