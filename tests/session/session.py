@@ -98,23 +98,41 @@ def sound_length_ms(name):
 
 
 class Display:
-    """An Xvfb of our own on a free display number."""
+    """An Xvfb of our own on a free display number. A number whose lock or socket exists, whose
+    server does not start, or whose socket answers for another server is passed over."""
+
+    SCREEN = "1280x900"
 
     def __init__(self):
+        first = 300 + os.getpid() % 500
+        for number in range(first, first + 40):
+            if any(os.path.exists(p % number) for p in ("/tmp/.X%d-lock", "/tmp/.X11-unix/X%d")):
+                continue
+            if self.start(number):
+                return
+        raise SessionError("no display number from %d on gave a working Xvfb" % first)
+
+    def start(self, number):
         read, write = os.pipe()
         self.process = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x900x24", "-nolisten", "tcp"],
+            ["Xvfb", ":%d" % number, "-displayfd", str(write), "-screen", "0",
+             self.SCREEN + "x24", "-nolisten", "tcp"],
             pass_fds=(write,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(write)
         with os.fdopen(read) as f:
-            number = f.readline().strip()
-        if not number:
-            self.process.kill()
-            raise SessionError("Xvfb did not start")
-        self.name = ":" + number
+            ready = f.readline().strip()  # the server writes its number once it listens
+        self.name = ":%d" % number
+        size = subprocess.run(["xdotool", "getdisplaygeometry"], stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL, text=True,
+                              env=dict(os.environ, DISPLAY=self.name)).stdout.split()
+        if ready == str(number) and size == self.SCREEN.split("x"):
+            return True
+        self.close()
+        return False
 
     def close(self):
-        self.process.terminate()
+        if self.process.poll() is None:
+            self.process.terminate()
         self.process.wait(timeout=10)
 
 
@@ -132,6 +150,8 @@ class Session:
         self.process = None
         self.window = None
         self.step = 0
+        self.runs = 0
+        self.log = None
         self.texts = language_texts()
 
     # -- xdotool ------------------------------------------------------------------------------
@@ -173,10 +193,10 @@ class Session:
         if title is not None and title not in name:
             raise SessionError("expected %s (a window titled %r), got one titled %r"
                                % (what, title, name))
+        # A dialog takes the keyboard; keys for a menu go to the main window, which hands them to
+        # the menu it shows.
         if focus:
             wait_for(lambda: self.xdo("getwindowfocus") == [window], "the keyboard on " + what, 5)
-        else:
-            time.sleep(0.1)  # a menu takes the keyboard once it has handled its own mapping
         return window
 
     def gone(self, window, what):
@@ -194,12 +214,16 @@ class Session:
     # -- the program ------------------------------------------------------------------------------
 
     def start(self):
-        self.process = subprocess.Popen([self.program], env=self.env, cwd=self.home,
-                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.runs += 1
+        self.log = os.path.join(self.home, "run-%d.log" % self.runs)
+        with open(self.log, "wb") as log:
+            self.process = subprocess.Popen([self.program], env=self.env, cwd=self.home,
+                                            stdout=log, stderr=subprocess.STDOUT)
 
         def main_window():
             if self.process.poll() is not None:
-                raise SessionError("the program ended at start with %d" % self.process.returncode)
+                raise SessionError("the program ended at start with %d:\n%s"
+                                   % (self.process.returncode, self.output()))
             shown = self.windows()
             return next((w for w, name in shown.items() if name == "Tessaly"), None)
         self.window = wait_for(main_window, "the main window")
@@ -211,6 +235,11 @@ class Session:
         others = [n for w, n in self.windows().items() if w != self.window]
         if others:
             raise SessionError("unexpected windows at start: %r" % others)
+
+    def output(self):
+        """What the program of the last start wrote."""
+        with open(self.log, encoding="utf-8", errors="replace") as f:
+            return f.read()[-4000:]
 
     def file_menu(self, item):
         """Opens the File menu with a click and chooses the item-th entry."""
@@ -235,7 +264,7 @@ class Session:
         except subprocess.TimeoutExpired:
             raise SessionError("the program did not end after the exit question")
         if code != 0:
-            raise SessionError("the program ended with %d" % code)
+            raise SessionError("the program ended with %d:\n%s" % (code, self.output()))
         self.process = None
 
     def kill(self):
@@ -302,7 +331,6 @@ class Session:
             time.sleep(0.2)
             return None
         popup = wait_for(menu_open, "the end of the preview", 30)
-        time.sleep(0.1)  # as in new_window: the menu takes the keyboard
         return popup, time.monotonic() - started
 
     def save_as(self, popup, name):
