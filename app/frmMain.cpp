@@ -1107,6 +1107,9 @@ std::int32_t frmMain::UpdateTotalTime() {
 }
 
 void frmMain::EnableSlideCommands(bool enabled) {
+    // While the show or the slide's sound plays, the slide commands wait for its end.
+    if (enabled && slideCommandsHeld())
+        return;
     ui->cmdDeleteSlide->setEnabled(enabled);
     for (std::int32_t key : {MenuKey::SlideDeleteSlide, MenuKey::SlideDeleteImage,
                              MenuKey::SlideDeleteSound, MenuKey::SlideDeleteText})

@@ -195,6 +195,9 @@ private:
     bool showsTextPrompt() const;
     void ShowTextPromptLook();
     void txtMessage_Focus(bool entered);
+    void ctlBrowserBackground_Browse();
+    // Whether the show or the slide's sound plays, which holds the slide commands back.
+    bool slideCommandsHeld() const;
     QString text(const QString& key) const;
 
     // The slide strip.

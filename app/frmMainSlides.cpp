@@ -4,6 +4,7 @@
 #include "app/frmMain.h"
 #include "ui_frmMain.h"
 
+#include "browse/ctlBrowser.h"
 #include "browse/ctlSlideThumbs.h"
 #include "canvas/ctlPictureEditor.h"
 #include "config/modConfig.h"
@@ -19,7 +20,10 @@
 #include <QDateTime>
 #include <QDir>
 #include <QEvent>
+#include <QKeyEvent>
+#include <QPlainTextEdit>
 #include <QStyle>
+#include <QTimer>
 #include <functional>
 
 namespace {
@@ -29,24 +33,38 @@ bool preferenceSaysYes(const char* key) {
                       QStringLiteral("1")) == QLatin1String("1");
 }
 
-// Watches the text box's focus: entering it takes the prompt away, leaving it empty brings the
-// prompt back.
-class FocusWatcher : public QObject {
+// Watches the text box: entering it, clicking into it or typing in it takes the prompt away
+// (the box may keep the focus while another slide's prompt is loaded into it); leaving it
+// empty brings the prompt back.
+class PromptWatcher : public QObject {
 public:
-    FocusWatcher(QObject* parent, std::function<void(bool)> onFocus)
-        : QObject(parent), mOnFocus(std::move(onFocus)) {}
+    PromptWatcher(QObject* parent, std::function<void(bool)> onEnter)
+        : QObject(parent), mOnEnter(std::move(onEnter)) {}
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::FocusIn)
-            mOnFocus(true);
-        else if (event->type() == QEvent::FocusOut)
-            mOnFocus(false);
+        switch (event->type()) {
+        case QEvent::FocusIn:
+        case QEvent::MouseButtonPress:
+            mOnEnter(true);
+            break;
+        case QEvent::KeyPress: {
+            const QString typed = static_cast<QKeyEvent*>(event)->text();
+            if (!typed.isEmpty() && typed.front().isPrint())
+                mOnEnter(true);
+            break;
+        }
+        case QEvent::FocusOut:
+            mOnEnter(false);
+            break;
+        default:
+            break;
+        }
         return QObject::eventFilter(watched, event);
     }
 
 private:
-    std::function<void(bool)> mOnFocus;
+    std::function<void(bool)> mOnEnter;
 };
 
 } // namespace
@@ -64,8 +82,11 @@ void frmMain::connectSlideCommands() {
         if (mMessage && mSlide)
             DeleteSlide(mSlide->Index(), askDeleteSlide());
     });
-    ui->txtMessage->installEventFilter(
-        new FocusWatcher(this, [this](bool entered) { txtMessage_Focus(entered); }));
+    connect(ui->ctlBrowserBackground, &ctlBrowser::BrowseWanted, this,
+            &frmMain::ctlBrowserBackground_Browse);
+    auto* watcher = new PromptWatcher(this, [this](bool entered) { txtMessage_Focus(entered); });
+    ui->txtMessage->installEventFilter(watcher);
+    ui->txtMessage->viewport()->installEventFilter(watcher);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -247,7 +268,15 @@ void frmMain::DeleteSlideText(int index) {
 // ---------------------------------------------------------------------------------------------
 // The strip's pop-up menu
 
+bool frmMain::slideCommandsHeld() const {
+    return mPlaying || (mTimerPlay && mTimerPlay->isActive());
+}
+
 void frmMain::ctlSlideThumbs1_MenuClick(std::int32_t key, int index) {
+    // A click beside the tiles adds a slide even while the strip's menu is off: not while the
+    // show or the slide's sound plays.
+    if (slideCommandsHeld())
+        return;
     const bool ask = askNewSlide();
     switch (key) {
     case ctlSlideThumbs::KeyAdd:
@@ -301,4 +330,24 @@ bool frmMain::mFrmPictureBrowser_AddPicture(const QImage& picture) {
     mChanged = true;
     EnableSlideCommands(true);
     return true;
+}
+
+// With the extended browser chosen in the settings, a picture browsed in goes that browser's
+// way: it is read here and handed over as a picture, kept in the Work folder.
+void frmMain::ctlBrowserBackground_Browse() {
+    const QString patterns = QStringLiteral("*.bmp;*.gif;*.jpg;*.jpeg");
+    const QString filter = text(QStringLiteral("STR_BFILTER_PICTURE")) + QStringLiteral(" (") +
+                           patterns + QStringLiteral(")|") + patterns + QLatin1Char('|') +
+                           text(QStringLiteral("STR_BFILTER_ALL")) + QStringLiteral(" (*.*)|*.*");
+    QString file;
+    if (!GetOpenFileName(this, file, text(QStringLiteral("STR_BROWSER_PICTURE")), filter, QString(),
+                         ui->ctlBrowserBackground->Path()))
+        return;
+    const QImage picture(file);
+    if (picture.isNull()) {
+        MsgBox(text(QStringLiteral("STR_NO_FILE_FOUND")) + QLatin1Char('\n') + file,
+               Vb::Exclamation, text(QStringLiteral("APP_PRODUCTNAME")));
+        return;
+    }
+    mFrmPictureBrowser_AddPicture(picture);
 }
