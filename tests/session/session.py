@@ -50,6 +50,7 @@ EMPTY_STRIP = (400, 380)
 PREVIEW_PLAY = (702, 410)
 FILE_MENU = (720, 17)
 CLOSE_BUTTON = (866, 18)
+FIRST_MESSAGE = (60, 44)  # the first entry of the message list, in the dialog
 # Items of the File menu, counted from its top (separators are skipped by the arrow keys).
 FILE_OPEN, FILE_SAVE, FILE_SAVE_AS = 2, 3, 4
 
@@ -345,7 +346,7 @@ class Session:
         self.file_menu(FILE_OPEN)
         dialog = self.new_window("the Open dialog", self.texts["STR_DLGMSG_OPEN"])
         self.shoot("open")
-        self.click((60, 44), window=dialog, double=True)  # the first message of the list
+        self.click(FIRST_MESSAGE, window=dialog, double=True)
         self.gone(dialog, "the Open dialog")
 
 
@@ -396,8 +397,8 @@ def folder_bytes(folder):
 
 
 def run(program, shots):
-    work = tempfile.mkdtemp(prefix="tessaly-session-")
     display = Display()
+    work = tempfile.mkdtemp(prefix="tessaly-session-")
     session = None
     try:
         app_home = os.path.join(work, "tessaly")
