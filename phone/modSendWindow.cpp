@@ -1,6 +1,7 @@
 #include "phone/modSendWindow.h"
 
-#include <QLinearGradient>
+#include "controls/modSkin.h"
+
 #include <QPainter>
 #include <QWidget>
 
@@ -22,13 +23,8 @@ QString sendResultKey(std::int32_t result) {
 }
 
 QPixmap sendWindowPicture(const QSize& size, int captionHeight) {
-    QPixmap picture(size);
-    picture.fill(QColor(0xef, 0xf2, 0xf8));
+    QPixmap picture = drawnCaptionPicture(size, captionHeight);
     QPainter painter(&picture);
-    QLinearGradient band(0, 0, size.width(), 0);
-    band.setColorAt(0, QColor(0x1d, 0x2b, 0x4a));
-    band.setColorAt(1, QColor(0x30, 0x4a, 0x7c));
-    painter.fillRect(QRect(0, 0, size.width(), captionHeight), band);
     painter.setPen(QColor(0x1d, 0x2b, 0x4a));
     painter.drawRect(QRect(QPoint(0, 0), size).adjusted(0, 0, -1, -1));
     return picture;
