@@ -1,5 +1,7 @@
 #include "phone/modSendWindow.h"
 
+#include "controls/GrButtonIII.h"
+#include "controls/ctlProgressBar.h"
 #include "controls/modSkin.h"
 
 #include <QPainter>
@@ -22,12 +24,17 @@ QString sendResultKey(std::int32_t result) {
     }
 }
 
-QPixmap sendWindowPicture(const QSize& size, int captionHeight) {
-    QPixmap picture = drawnCaptionPicture(size, captionHeight);
+void dressSendWindow(QWidget* window, GrButtonIII* close, ctlProgressBar* progress) {
+    constexpr int kCaptionHeight = 32;
+    window->setFixedSize(window->size());
+    QPixmap picture = drawnCaptionPicture(window->size(), kCaptionHeight);
     QPainter painter(&picture);
     painter.setPen(QColor(0x1d, 0x2b, 0x4a));
-    painter.drawRect(QRect(QPoint(0, 0), size).adjusted(0, 0, -1, -1));
-    return picture;
+    painter.drawRect(QRect(QPoint(0, 0), window->size()).adjusted(0, 0, -1, -1));
+    painter.end();
+    setFormPicture(window, picture);
+    close->setCaptionLook(QStringLiteral("close"));
+    progress->Start(false);
 }
 
 void placeAtLowerRight(QWidget* window, const QWidget* owner) {
