@@ -20,13 +20,19 @@ Uint16 bufferFramesFor(int samplesPerSec) {
     return frames;
 }
 
-SDL_AudioSpec specFor(int samplesPerSec, int channels) {
-    SDL_AudioSpec spec{};
-    spec.freq = samplesPerSec;
-    spec.format = AUDIO_S16SYS;
-    spec.channels = Uint8(channels);
-    spec.samples = bufferFramesFor(samplesPerSec);
-    return spec;
+// Opens the default output (or, with `capture`, input) device for 16-bit samples that
+// `callback` fills or takes on the audio thread; 0 when none opens.
+SDL_AudioDeviceID openDevice(int samplesPerSec, int channels, bool capture,
+                             SDL_AudioCallback callback, void* owner) {
+    SDL_AudioSpec wanted{};
+    wanted.freq = samplesPerSec;
+    wanted.format = AUDIO_S16SYS;
+    wanted.channels = Uint8(channels);
+    wanted.samples = bufferFramesFor(samplesPerSec);
+    wanted.callback = callback;
+    wanted.userdata = owner;
+    SDL_AudioSpec obtained{};
+    return SDL_OpenAudioDevice(nullptr, capture ? 1 : 0, &wanted, &obtained, 0);
 }
 
 bool channelsPlayable(int channels) {
@@ -74,11 +80,8 @@ long OutputStream::open(const OutputSource& source, std::unique_ptr<OutputStream
         return Mci::WaveOutputsUnsuitable;
     std::unique_ptr<OutputStream> made(new OutputStream);
     made->mSource = source;
-    SDL_AudioSpec wanted = specFor(source.samplesPerSec, source.channels);
-    wanted.callback = &OutputStream::callback;
-    wanted.userdata = made.get();
-    SDL_AudioSpec obtained{};
-    made->mDevice = SDL_OpenAudioDevice(nullptr, 0, &wanted, &obtained, 0);
+    made->mDevice = openDevice(source.samplesPerSec, source.channels, false,
+                               &OutputStream::callback, made.get());
     if (made->mDevice == 0)
         return Mci::WaveOutputsUnsuitable;
     stream = std::move(made);
@@ -172,11 +175,7 @@ long InputStream::open(int samplesPerSec, int channels, std::int64_t capacity,
     made->mBuffer.reset(new (std::nothrow) std::int16_t[std::size_t(capacity * channels)]);
     if (!made->mBuffer)
         return Mci::OutOfMemory;
-    SDL_AudioSpec wanted = specFor(samplesPerSec, channels);
-    wanted.callback = &InputStream::callback;
-    wanted.userdata = made.get();
-    SDL_AudioSpec obtained{};
-    made->mDevice = SDL_OpenAudioDevice(nullptr, 1, &wanted, &obtained, 0);
+    made->mDevice = openDevice(samplesPerSec, channels, true, &InputStream::callback, made.get());
     if (made->mDevice == 0)
         return Mci::WaveInputsUnsuitable;
     stream = std::move(made);

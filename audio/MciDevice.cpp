@@ -180,7 +180,7 @@ void MciDevice::stopOutput() {
 std::int64_t MciDevice::position() const {
     if (mMode == Mode::Playing && mOutput)
         return mOutput->position();
-    if ((mMode == Mode::Recording || (mMode == Mode::Paused && mRecordPaused)) && mInput)
+    if (recordingOpen() && mInput)
         return mRecordStart + mInput->frames();
     return mPosition;
 }
@@ -264,7 +264,7 @@ long MciDevice::play(MciWords& words) {
             return Mci::UnrecognizedKeyword;
         }
     }
-    if (mMode == Mode::Recording || (mMode == Mode::Paused && mRecordPaused))
+    if (recordingOpen())
         finishRecording();
     if (const long error = ensureSamples())
         return error;
@@ -313,7 +313,7 @@ long MciDevice::record(MciWords& words) {
             return Mci::UnrecognizedKeyword;
         }
     }
-    if (mMode == Mode::Recording || (mMode == Mode::Paused && mRecordPaused))
+    if (recordingOpen())
         finishRecording();
     stopOutput();
     if (const long error = ensureSamples())
@@ -339,7 +339,7 @@ long MciDevice::record(MciWords& words) {
 
 long MciDevice::stop() {
     settle();
-    if (mMode == Mode::Recording || (mMode == Mode::Paused && mRecordPaused))
+    if (recordingOpen())
         finishRecording();
     else
         stopOutput();

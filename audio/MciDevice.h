@@ -51,6 +51,10 @@ private:
     enum class TimeFormat { Milliseconds, Samples, Bytes };
 
     bool isMidi() const { return mMidiLoaded; }
+    // A recording runs or waits paused: stopping it keeps what was taken.
+    bool recordingOpen() const {
+        return mMode == Mode::Recording || (mMode == Mode::Paused && mRecordPaused);
+    }
     // Takes in what the audio thread has done since the last command.
     void settle();
     void finishRecording();

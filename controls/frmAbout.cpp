@@ -12,34 +12,18 @@
 #include "ui_frmAbout.h"
 
 #include <QKeyEvent>
-#include <QLinearGradient>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTimer>
 
-namespace {
-
-QPixmap drawnAbout(const QSize& size) {
-    QPixmap picture(size);
-    picture.fill(QColor(0xef, 0xf2, 0xf8));
-    QPainter painter(&picture);
-    QLinearGradient band(0, 0, size.width(), 0);
-    band.setColorAt(0, QColor(0x1d, 0x2b, 0x4a));
-    band.setColorAt(1, QColor(0x30, 0x4a, 0x7c));
-    painter.fillRect(QRect(0, 0, size.width(), 100), band);
-    return picture;
-}
-
-} // namespace
-
 frmAbout::frmAbout(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui::frmAbout>()) {
     ui->setupUi(this);
     setWindowFlag(Qt::FramelessWindowHint, true);
     QPixmap picture = resourcePicture(QStringLiteral("about.png"));
     if (picture.isNull())
-        picture = drawnAbout(size());
+        picture = drawnCaptionPicture(size(), 100);
     setFormPicture(this, picture);
     setFixedSize(picture.size());
 

@@ -3,6 +3,7 @@
 #include "platform/AppPaths.h"
 
 #include <QFileInfo>
+#include <QLinearGradient>
 #include <QPainter>
 #include <QVariant>
 #include <QWidget>
@@ -33,6 +34,17 @@ QPixmap backgroundPiece(const QWidget* form, const QWidget* control) {
     QPainter painter(&piece);
     painter.drawPixmap(QPoint(0, 0), picture, QRect(origin, size));
     return piece;
+}
+
+QPixmap drawnCaptionPicture(const QSize& size, int captionHeight) {
+    QPixmap picture(size);
+    picture.fill(QColor(0xef, 0xf2, 0xf8));
+    QPainter painter(&picture);
+    QLinearGradient band(0, 0, size.width(), 0);
+    band.setColorAt(0, QColor(0x1d, 0x2b, 0x4a));
+    band.setColorAt(1, QColor(0x30, 0x4a, 0x7c));
+    painter.fillRect(QRect(0, 0, size.width(), captionHeight), band);
+    return picture;
 }
 
 QPixmap resourcePicture(const QString& fileName) {

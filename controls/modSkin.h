@@ -28,6 +28,10 @@ QPixmap backgroundPiece(const QWidget* form, const QWidget* control);
 // unreadable.
 QPixmap resourcePicture(const QString& fileName);
 
+// The drawn stand-in for a window's skin picture: a pale page under a dark blue caption band
+// `captionHeight` high.
+QPixmap drawnCaptionPicture(const QSize& size, int captionHeight);
+
 // A picture of `count` equal frames side by side, cut into its frames. Empty when the file is
 // missing or its width is not a multiple of `count`.
 QList<QPixmap> resourceStrip(const QString& fileName, int count);

@@ -5,8 +5,46 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusServiceWatcher>
+#include <QFileInfo>
 #include <QTimer>
 #include <cstdio>
+
+PolledTransportBackend::PolledTransportBackend(int deviceId, int intervalMs, QObject* parent)
+    : TransportBackend(parent), mDeviceId(deviceId), mPoll(new QTimer(this)) {
+    mPoll->setInterval(intervalMs);
+    connect(mPoll, &QTimer::timeout, this, &PolledTransportBackend::check);
+}
+
+void PolledTransportBackend::setWatching(bool on) {
+    if (!on) {
+        mPoll->stop();
+        return;
+    }
+    mPoll->start();
+    // Every new watcher hears of the device that is there.
+    mPresent.clear();
+    check();
+}
+
+bool PolledTransportBackend::watching() const {
+    return mPoll->isActive();
+}
+
+void PolledTransportBackend::check() {
+    const QString found = probe();
+    if (found == mPresent)
+        return;
+    if (!mPresent.isEmpty())
+        emit deviceChanged(false, mDeviceId, deviceName());
+    mPresent = found;
+    if (!mPresent.isEmpty())
+        emit deviceChanged(true, mDeviceId, deviceName());
+}
+
+QString PolledTransportBackend::deviceName() const {
+    const QString name = QFileInfo(mPresent).fileName();
+    return name.isEmpty() ? mPresent : name;
+}
 
 TransportService::TransportService(const QString& companion, TransportBackend* backend,
                                    QObject* parent)

@@ -25,6 +25,31 @@ signals:
     void progress(int state, int value);
 };
 
+// A backend with one device that it finds by looking again every `intervalMs` while watched.
+// `probe()` gives the path the device is found at ("" when none); a change reports the device
+// before it gone and the new one connected, named after the last part of its path.
+class PolledTransportBackend : public TransportBackend {
+    Q_OBJECT
+public:
+    PolledTransportBackend(int deviceId, int intervalMs, QObject* parent);
+    void setWatching(bool on) override;
+
+protected:
+    virtual QString probe() const = 0;
+    // Looks for the device now and reports a change.
+    void check();
+    bool watching() const;
+    // Where the device is, "" when none.
+    const QString& present() const { return mPresent; }
+
+private:
+    QString deviceName() const;
+
+    int mDeviceId;
+    QString mPresent;
+    QTimer* mPoll;
+};
+
 // The object a companion serves on the session bus. It owns its name only after the object is
 // registered, and quits when the last program that asked it to monitor has left the bus (or
 // when nobody asks within the start-up grace, or the bus goes away).

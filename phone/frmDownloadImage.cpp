@@ -17,7 +17,6 @@
 #include <QRadioButton>
 
 namespace {
-constexpr int kCaptionHeight = 32;
 // SavePictureBoxImage's formats.
 constexpr std::int32_t kJpeg = 1;
 constexpr std::int32_t kGif = 2;
@@ -35,10 +34,7 @@ frmDownloadImage::frmDownloadImage(clsMMSManager* manager, clsMMSCommunication* 
         options[i]->setObjectName(QStringLiteral("optImageFmt"));
         options[i]->setProperty("index", i);
     }
-    setFixedSize(size());
-    setFormPicture(this, sendWindowPicture(size(), kCaptionHeight));
-    ui->cmdClose->setCaptionLook(QStringLiteral("close"));
-    ui->ctlProgressBar1->Start(false);
+    dressSendWindow(this, ui->cmdClose, ui->ctlProgressBar1);
     connect(ui->cmdDownload, &QAbstractButton::clicked, this, &frmDownloadImage::cmdDownload_Click);
     connect(ui->cmdCancel, &QAbstractButton::clicked, this, &frmDownloadImage::cmdCancel_Click);
     connect(ui->cmdClose, &QAbstractButton::released, this, &frmDownloadImage::cmdCancel_Click);

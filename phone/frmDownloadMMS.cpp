@@ -17,19 +17,12 @@
 #include <QMouseEvent>
 #include <QPainter>
 
-namespace {
-constexpr int kCaptionHeight = 32;
-}
-
 frmDownloadMMS::frmDownloadMMS(clsMMSManager* manager, clsMMSCommunication* communication,
                                QWidget* owner)
     : QWidget(owner, Qt::Window | Qt::FramelessWindowHint),
       ui(std::make_unique<Ui::frmDownloadMMS>()), mManager(manager), mCommunication(communication) {
     ui->setupUi(this);
-    setFixedSize(size());
-    setFormPicture(this, sendWindowPicture(size(), kCaptionHeight));
-    ui->cmdClose->setCaptionLook(QStringLiteral("close"));
-    ui->ctlProgressBar1->Start(false);
+    dressSendWindow(this, ui->cmdClose, ui->ctlProgressBar1);
     connect(ui->cmdDownloadClose, &QAbstractButton::clicked, this, &frmDownloadMMS::CloseWindow);
     // The caption button acts on the release of the left button, the only one it takes.
     connect(ui->cmdClose, &QAbstractButton::released, this, &frmDownloadMMS::CloseWindow);

@@ -1,6 +1,9 @@
 #include "phone/modSendWindow.h"
 
-#include <QLinearGradient>
+#include "controls/GrButtonIII.h"
+#include "controls/ctlProgressBar.h"
+#include "controls/modSkin.h"
+
 #include <QPainter>
 #include <QWidget>
 
@@ -21,17 +24,17 @@ QString sendResultKey(std::int32_t result) {
     }
 }
 
-QPixmap sendWindowPicture(const QSize& size, int captionHeight) {
-    QPixmap picture(size);
-    picture.fill(QColor(0xef, 0xf2, 0xf8));
+void dressSendWindow(QWidget* window, GrButtonIII* close, ctlProgressBar* progress) {
+    constexpr int kCaptionHeight = 32;
+    window->setFixedSize(window->size());
+    QPixmap picture = drawnCaptionPicture(window->size(), kCaptionHeight);
     QPainter painter(&picture);
-    QLinearGradient band(0, 0, size.width(), 0);
-    band.setColorAt(0, QColor(0x1d, 0x2b, 0x4a));
-    band.setColorAt(1, QColor(0x30, 0x4a, 0x7c));
-    painter.fillRect(QRect(0, 0, size.width(), captionHeight), band);
     painter.setPen(QColor(0x1d, 0x2b, 0x4a));
-    painter.drawRect(QRect(QPoint(0, 0), size).adjusted(0, 0, -1, -1));
-    return picture;
+    painter.drawRect(QRect(QPoint(0, 0), window->size()).adjusted(0, 0, -1, -1));
+    painter.end();
+    setFormPicture(window, picture);
+    close->setCaptionLook(QStringLiteral("close"));
+    progress->Start(false);
 }
 
 void placeAtLowerRight(QWidget* window, const QWidget* owner) {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QPixmap>
-#include <QSize>
 #include <QString>
 #include <cstdint>
 
+class GrButtonIII;
 class QWidget;
+class ctlProgressBar;
 
 // What the send windows share: their look and the words for a send's outcome.
 
@@ -14,9 +14,9 @@ class QWidget;
 // for any other status, which changes nothing.
 QString sendResultKey(std::int32_t result);
 
-// The face of a send window: a dark caption band `captionHeight` pixels high over a light body,
-// with a thin frame.
-QPixmap sendWindowPicture(const QSize& size, int captionHeight);
+// Gives a send window its face at the size its form has: fixed in size, a dark caption band
+// over a light body with a thin frame, the caption's close button, the progress bar idle.
+void dressSendWindow(QWidget* window, GrButtonIII* close, ctlProgressBar* progress);
 
 // Puts `window` in the lower right corner of `owner`'s window.
 void placeAtLowerRight(QWidget* window, const QWidget* owner);

@@ -4,6 +4,7 @@
 // slide start in ms, and the lateness of the last one (the drift over the whole show).
 #include "app/clsPreviewTiming.h"
 #include "audio/mmstimer.h"
+#include "bench/support/BenchMain.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -71,9 +72,5 @@ BENCHMARK(PreviewDriftOverTwentySlides)->Unit(benchmark::kSecond)->Iterations(1)
 } // namespace
 
 int main(int argc, char** argv) {
-    QCoreApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return runBenchmarks<QCoreApplication>(argc, argv);
 }

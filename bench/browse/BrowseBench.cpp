@@ -1,6 +1,8 @@
 // The time from loading a media pane on a folder of 2,000 pictures to its first painted screen:
 // the list is read, the tiles in view get their pictures, and the viewport is drawn. The other
 // pictures are still waiting for the timer when the clock stops.
+#include "bench/support/BenchMain.h"
+#include "bench/support/BenchPicture.h"
 #include "browse/ctlBrowser.h"
 
 #include <QApplication>
@@ -15,12 +17,8 @@ namespace {
 constexpr int kPictures = 2000;
 
 bool makeFolder(const QString& folder) {
-    QImage picture(160, 120, QImage::Format_RGB32);
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x)
-            picture.setPixel(x, y, qRgb(x, y * 2, (x + y) % 256));
     const QString first = QDir(folder).filePath(QStringLiteral("p0000.bmp"));
-    if (!picture.save(first, "BMP"))
+    if (!rampPicture({160, 120}, 0).save(first, "BMP"))
         return false;
     QFile source(first);
     if (!source.open(QIODevice::ReadOnly))
@@ -65,11 +63,5 @@ BENCHMARK(FirstScreenOfTwoThousandPictures)
 } // namespace
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM",
-            qgetenv("QT_QPA_PLATFORM").isEmpty() ? "offscreen" : qgetenv("QT_QPA_PLATFORM"));
-    QApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return runWidgetBenchmarks<QApplication>(argc, argv);
 }

@@ -1,6 +1,7 @@
 // The cost of rebuilding the slide strip: DrawThumbs of a message of 200 slides, each with a
 // picture of its own, half of them with a sound, as every change of the slides' order or count
 // draws the strip anew.
+#include "bench/support/BenchMain.h"
 #include "browse/ctlSlideThumbs.h"
 #include "document/clsMessage.h"
 #include "document/clsSlide.h"
@@ -39,11 +40,5 @@ BENCHMARK(DrawThumbsOfTwoHundredSlides)->Unit(benchmark::kMillisecond)->Repetiti
 } // namespace
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM",
-            qgetenv("QT_QPA_PLATFORM").isEmpty() ? "offscreen" : qgetenv("QT_QPA_PLATFORM"));
-    QApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return runWidgetBenchmarks<QApplication>(argc, argv);
 }

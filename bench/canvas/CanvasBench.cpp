@@ -1,5 +1,7 @@
 // The cost of flattening a slide: RenderImage of a surface with a stretched background and
 // twenty objects (pictures and texts), as every change of the canvas renders the preview.
+#include "bench/support/BenchMain.h"
+#include "bench/support/BenchPicture.h"
 #include "canvas/ctlPictureEditor.h"
 
 #include <QApplication>
@@ -9,29 +11,21 @@
 
 namespace {
 
-QImage gradient(QSize size, int seed) {
-    QImage picture(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y)
-        for (int x = 0; x < size.width(); ++x)
-            picture.setPixel(x, y, qRgb((x * 3 + seed) % 256, (y * 5 + seed) % 256, (x + y) % 256));
-    return picture;
-}
-
 void RenderSlideOfTwentyObjects(benchmark::State& state) {
     QTemporaryDir folder;
     ctlPictureEditor editor;
     editor.resize(160, 120);
     const QString back = QDir(folder.path()).filePath(QStringLiteral("back.bmp"));
-    gradient({640, 480}, 1).save(back, "BMP");
+    rampPicture({640, 480}, 1).save(back, "BMP");
     editor.AddBackgroundImage(back);
     for (int i = 0; i < 10; ++i) {
         const QString file = QDir(folder.path()).filePath(QStringLiteral("p%1.bmp").arg(i));
-        gradient({24 + 4 * i, 18 + 3 * i}, i).save(file, "BMP");
+        rampPicture({24 + 4 * i, 18 + 3 * i}, i).save(file, "BMP");
         editor.AddImage(file, QStringLiteral("p"));
         editor.selected()->move(i * 13, i * 9);
         editor.AddText(TextAttributes{QStringLiteral("Text %1").arg(i),
-                                      QStringLiteral("DejaVu Sans"), 10 + i, 0x0000FF * (i % 2),
-                                      i % 2 == 0, i % 3 == 0});
+                                      QStringLiteral("DejaVu Sans"), std::int16_t(10 + i),
+                                      0x0000FF * (i % 2), i % 2 == 0, i % 3 == 0});
         editor.selected()->move(150 - i * 14, i * 11);
     }
     if (editor.imageCount() + editor.textCount() != 20) {
@@ -46,11 +40,5 @@ BENCHMARK(RenderSlideOfTwentyObjects)->Unit(benchmark::kMillisecond);
 } // namespace
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM",
-            qgetenv("QT_QPA_PLATFORM").isEmpty() ? "offscreen" : qgetenv("QT_QPA_PLATFORM"));
-    QApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return runWidgetBenchmarks<QApplication>(argc, argv);
 }

@@ -1,5 +1,6 @@
 // GetProp is read in timers and handlers with no cache in front of the document, so its cost on
 // a large preferences file matters.
+#include "bench/support/BenchMain.h"
 #include "config/clsPropertiesXML.h"
 
 #include <QCoreApplication>
@@ -85,8 +86,5 @@ BENCHMARK(BM_LoadLargeFile);
 } // namespace
 
 int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return runBenchmarks<QCoreApplication>(argc, argv);
 }

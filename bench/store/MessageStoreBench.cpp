@@ -1,5 +1,6 @@
 // Saving and opening a long message: 200 slides, each with a picture, a text, a sound and two
 // draw objects. Run from the build tree: bin/store_bench
+#include "bench/support/BenchMain.h"
 #include "document/clsMessage.h"
 #include "store/clsMMSManager.h"
 
@@ -75,9 +76,5 @@ BENCHMARK(BM_OpenMsg200)->Unit(benchmark::kMillisecond);
 } // namespace
 
 int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return runBenchmarks<QCoreApplication>(argc, argv);
 }

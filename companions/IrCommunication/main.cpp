@@ -7,46 +7,30 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QTimer>
 
 namespace {
 
-constexpr int kDeviceId = Transport::kLinkCommand;
-
-class CommandBackend : public TransportBackend {
+class CommandBackend : public PolledTransportBackend {
     Q_OBJECT
 public:
-    explicit CommandBackend(QObject* parent) : TransportBackend(parent) {
-        mPoll.setInterval(2000);
-        connect(&mPoll, &QTimer::timeout, this, &CommandBackend::check);
-    }
-
-    void setWatching(bool on) override {
-        mWatching = on;
-        if (!on) {
-            mPoll.stop();
-            return;
-        }
-        mPoll.start();
-        mPresent.clear();
-        check();
-    }
+    explicit CommandBackend(QObject* parent)
+        : PolledTransportBackend(Transport::kLinkCommand, 2000, parent) {}
 
     void setCommandLine(const QString& commandTemplate) override {
         mTemplate = QProcess::splitCommand(commandTemplate);
-        if (mWatching)
+        if (watching())
             check();
     }
 
     bool beginSend(const QString& path) override {
         check();
-        if (mPresent.isEmpty() || mProcess || !QFileInfo(path).isFile())
+        if (present().isEmpty() || mProcess || !QFileInfo(path).isFile())
             return false;
         QStringList arguments = mTemplate.mid(1);
         for (QString& argument : arguments)
             argument.replace(QStringLiteral("%f%"), path);
         mProcess = new QProcess(this);
-        mProcess->setProgram(mPresent);
+        mProcess->setProgram(present());
         mProcess->setArguments(arguments);
         mProcess->setProcessChannelMode(QProcess::ForwardedChannels);
         mProcess->setStandardInputFile(QProcess::nullDevice());
@@ -72,23 +56,13 @@ private:
         emit progress(ok ? Transport::kProgressDone : Transport::kProgressFailed, ok ? 100 : 0);
     }
 
-    void check() {
-        const QString program =
-            mTemplate.isEmpty() ? QString() : QStandardPaths::findExecutable(mTemplate.first());
-        if (program == mPresent)
-            return;
-        if (!mPresent.isEmpty())
-            emit deviceChanged(false, kDeviceId, QFileInfo(mPresent).fileName());
-        mPresent = program;
-        if (!mPresent.isEmpty())
-            emit deviceChanged(true, kDeviceId, QFileInfo(mPresent).fileName());
+    // The template's program as found on the search path.
+    QString probe() const override {
+        return mTemplate.isEmpty() ? QString() : QStandardPaths::findExecutable(mTemplate.first());
     }
 
     QStringList mTemplate;
-    QString mPresent; // the program found, "" when none
-    bool mWatching = false;
     QProcess* mProcess = nullptr;
-    QTimer mPoll;
 };
 
 TransportBackend* makeBackend(QObject* parent) {

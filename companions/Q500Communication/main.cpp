@@ -17,30 +17,17 @@ namespace {
 const QString kSection = QStringLiteral("preferences");
 const QString kKey = QStringLiteral("PhoneFolder");
 
-class FolderBackend : public TransportBackend {
+class FolderBackend : public PolledTransportBackend {
     Q_OBJECT
 public:
     FolderBackend(const QString& preferences, const QString& application, QObject* parent)
-        : TransportBackend(parent), mPreferences(preferences), mApplication(application) {
-        mPoll.setInterval(1000);
-        connect(&mPoll, &QTimer::timeout, this, &FolderBackend::check);
-    }
-
-    void setWatching(bool on) override {
-        if (!on) {
-            mPoll.stop();
-            return;
-        }
-        mPoll.start();
-        // Every new watcher hears of the phone that is there.
-        mPresent.clear();
-        check();
-    }
+        : PolledTransportBackend(Transport::kLinkFolder, 1000, parent), mPreferences(preferences),
+          mApplication(application) {}
 
     bool beginSend(const QString& path) override {
         check();
         const QFileInfo source(path);
-        if (mPresent.isEmpty() || !source.isFile())
+        if (present().isEmpty() || !source.isFile())
             return false;
         // Reported once the program is back in its wait.
         QTimer::singleShot(0, this, [this, path] { copy(path); });
@@ -70,28 +57,16 @@ private:
         return QString();
     }
 
-    void check() {
+    // The folder, while it exists.
+    QString probe() const override {
         const QString current = folder();
-        const QString present = !current.isEmpty() && QFileInfo(current).isDir()
-                                    ? QDir(current).absolutePath()
-                                    : QString();
-        if (present == mPresent)
-            return;
-        if (!mPresent.isEmpty())
-            emit deviceChanged(false, Transport::kLinkFolder, deviceName(mPresent));
-        mPresent = present;
-        if (!mPresent.isEmpty())
-            emit deviceChanged(true, Transport::kLinkFolder, deviceName(mPresent));
-    }
-
-    static QString deviceName(const QString& folder) {
-        const QString name = QFileInfo(folder).fileName();
-        return name.isEmpty() ? folder : name;
+        return !current.isEmpty() && QFileInfo(current).isDir() ? QDir(current).absolutePath()
+                                                                : QString();
     }
 
     void copy(const QString& path) {
         emit progress(Transport::kProgressActive, 0);
-        const QString target = QDir(mPresent).filePath(QFileInfo(path).fileName());
+        const QString target = QDir(present()).filePath(QFileInfo(path).fileName());
         // Written beside under a temporary name, then put in place.
         const QString partial = target + QStringLiteral(".part");
         QFile::remove(partial);
@@ -107,8 +82,6 @@ private:
 
     QString mPreferences;
     QString mApplication;
-    QString mPresent;
-    QTimer mPoll;
 };
 
 TransportBackend* makeBackend(QObject* parent) {

@@ -56,6 +56,16 @@ protected:
         recorder.chkArchive()->setChecked(toArchive);
         recorder.chkSlide()->setChecked(toSlide);
     }
+
+    // Loads a 3 s tone (8 kHz mono) named `name` through the file button, as the user does.
+    void loadThreeSecondTone(const QString& name) {
+        const QString wav = home.file(name);
+        audiotest::writeFile(wav, audiotest::wavBytes(8000, 16, 1, 24000));
+        setMCIManager(std::make_unique<clsMCIManager>());
+        boxes.openFiles.push_back(wav);
+        recorder.cmdFile()->click();
+        setMCIManager(nullptr);
+    }
 };
 
 TEST(RecorderNames, FileNamesAndTypes) {
@@ -219,12 +229,7 @@ TEST_F(Recorder, MixerIsStartedWithoutAShellOrSaidMissing) {
 }
 
 TEST_F(Recorder, PlayerPlaysTheWholeSoundOrTheMarkedRange) {
-    const QString wav = home.file(QStringLiteral("long tone.wav"));
-    audiotest::writeFile(wav, audiotest::wavBytes(8000, 16, 1, 24000));
-    setMCIManager(std::make_unique<clsMCIManager>());
-    boxes.openFiles.push_back(wav);
-    recorder.cmdFile()->click();
-    setMCIManager(nullptr);
+    loadThreeSecondTone(QStringLiteral("long tone.wav"));
     ASSERT_TRUE(recorder.SoundLoaded());
     EXPECT_EQ(recorder.lblRecordFileName()->text(), QStringLiteral("long tone.wav"));
     EXPECT_TRUE(recorder.cmdEdit()->isEnabled());
@@ -245,12 +250,7 @@ TEST_F(Recorder, PlayerPlaysTheWholeSoundOrTheMarkedRange) {
 }
 
 TEST_F(Recorder, RecordingFromThePlayerEndsWithThePlayer) {
-    const QString wav = home.file(QStringLiteral("source.wav"));
-    audiotest::writeFile(wav, audiotest::wavBytes(8000, 16, 1, 24000));
-    setMCIManager(std::make_unique<clsMCIManager>());
-    boxes.openFiles.push_back(wav);
-    recorder.cmdFile()->click();
-    setMCIManager(nullptr);
+    loadThreeSecondTone(QStringLiteral("source.wav"));
     ASSERT_TRUE(recorder.SoundLoaded());
     recorder.SetStartEndTime(0, 400);
     std::int32_t longer = 5000; // the recording would run on for five seconds
