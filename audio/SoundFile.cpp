@@ -42,7 +42,11 @@ long openForReading(const QString& path, SF_INFO& info, SndfileHandle& handle) {
         return Mci::FileNotFound;
     info = SF_INFO();
     handle.reset(sf_open(QFile::encodeName(path).constData(), SFM_READ, &info));
-    if (!handle || info.channels <= 0 || info.samplerate <= 0 || info.frames < 0)
+    // A header beyond any real sound (a damaged one) is refused before its numbers are used.
+    constexpr int kMostChannels = 64;
+    constexpr int kHighestRate = 768000;
+    if (!handle || info.channels <= 0 || info.channels > kMostChannels || info.samplerate <= 0 ||
+        info.samplerate > kHighestRate || info.frames < 0)
         return Mci::InvalidFile;
     return Mci::NoError;
 }
