@@ -24,6 +24,7 @@ namespace {
 
 const QString kPreferences = QStringLiteral("preferences");
 const QString kPreviewPrefix = QStringLiteral("Preview_");
+const QString kSkinPrefix = QStringLiteral("Skin_");
 
 QString pref(const QString& key, const QString& defaultValue) {
     return preference(kPreferences, key, defaultValue);
@@ -65,6 +66,22 @@ bool selectEntry(QComboBox* combo, const QString& value) {
         return false;
     combo->setCurrentIndex(index);
     return true;
+}
+
+// The caption of a skin or preview type: its name without the prefix, words apart, and the
+// default one in the user's language.
+QString entryCaption(const QString& name, const QString& prefix) {
+    QString caption = name.startsWith(prefix) ? name.mid(prefix.size()) : name;
+    caption.replace(QLatin1Char('_'), QLatin1Char(' '));
+    if (caption.compare(QLatin1String("Default"), Qt::CaseInsensitive) == 0)
+        return localText(QStringLiteral("STR_DEFAULT"));
+    return caption;
+}
+
+// Gives every entry of `combo` the caption of its value again, e.g. after a change of language.
+void recaption(QComboBox* combo, const QString& prefix) {
+    for (int i = 0; i < combo->count(); ++i)
+        combo->setItemText(i, entryCaption(combo->itemData(i).toString(), prefix));
 }
 
 QString chosenValue(const QComboBox* combo) {
@@ -223,6 +240,8 @@ void frmSettings::TranslateForm() {
         ::TranslateForm(this);
     ui->lblCaption->setText(windowTitle());
     LoadMessageSizes(QString());
+    recaption(ui->cboSkins, kSkinPrefix);
+    recaption(ui->cboPreviewType, kPreviewPrefix);
     // The captions of the tabs change their widths.
     placeTabBottom();
 }
@@ -312,12 +331,12 @@ void frmSettings::LoadSkins() {
     ui->cboPreviewType->clear();
     for (const QString& skin :
          pref(QStringLiteral("Skins"), QString()).split(';', Qt::SkipEmptyParts))
-        ui->cboSkins->addItem(skin, skin);
+        ui->cboSkins->addItem(entryCaption(skin, kSkinPrefix), skin);
     for (const QString& preview :
          pref(QStringLiteral("Previews"), QString()).split(';', Qt::SkipEmptyParts)) {
         const QString type =
             preview.startsWith(kPreviewPrefix) ? preview.mid(kPreviewPrefix.size()) : preview;
-        ui->cboPreviewType->addItem(type, type);
+        ui->cboPreviewType->addItem(entryCaption(type, kPreviewPrefix), type);
     }
     const QString skin = pref(QStringLiteral("Skin"), QString());
     selectEntry(ui->cboSkins, skin);

@@ -7,7 +7,10 @@
 #include <QFileDialog>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPushButton>
 #include <algorithm>
+
+#include "platform/modText.h"
 
 namespace {
 
@@ -30,6 +33,39 @@ QMessageBox::StandardButton standardButton(int answer) {
     default:
         return QMessageBox::NoButton;
     }
+}
+
+// The caption of a box's button in the program's language; Qt's own where the language has none.
+QString buttonCaption(int answer, const QString& qtCaption) {
+    const char* key = nullptr;
+    switch (answer) {
+    case Vb::OK:
+        key = "BTN_OK";
+        break;
+    case Vb::Cancel:
+        key = "BTN_CANCEL";
+        break;
+    case Vb::Abort:
+        key = "BTN_ABORT";
+        break;
+    case Vb::Retry:
+        key = "BTN_RETRY";
+        break;
+    case Vb::Ignore:
+        key = "BTN_IGNORE";
+        break;
+    case Vb::Yes:
+        key = "BTN_YES";
+        break;
+    case Vb::No:
+        key = "BTN_NO";
+        break;
+    default:
+        return qtCaption;
+    }
+    const QString name = QString::fromLatin1(key);
+    const QString caption = localText(name);
+    return caption.isEmpty() || caption == name ? qtCaption : caption;
 }
 
 QMessageBox::Icon boxIcon(int style) {
@@ -67,8 +103,10 @@ int QtDialogResponder::msgBox(const QString& text, int style, const QString& tit
     QMessageBox box(boxIcon(style), title, text, QMessageBox::NoButton,
                     QApplication::activeWindow());
     const std::vector<int> answers = msgBoxButtons(style);
-    for (int answer : answers)
-        box.addButton(standardButton(answer));
+    for (int answer : answers) {
+        QPushButton* button = box.addButton(standardButton(answer));
+        button->setText(buttonCaption(answer, button->text()));
+    }
     box.setDefaultButton(standardButton(msgBoxDefaultAnswer(style)));
     setEscapeAnswer(box, answers);
     box.exec();

@@ -44,7 +44,9 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui::f
     ui->lblVersion->setText(AppVersionText());
     ui->lblTitle->setText(gLocalizer() ? gLocalizer()->GetString(QStringLiteral("APP_PRODUCTNAME"))
                                        : AppProductName());
-    ui->lblDisclaimer->setText(AppLegalText());
+    const QString legalKey = QStringLiteral("STR_ABOUT_LEGAL");
+    const QString legal = gLocalizer() ? gLocalizer()->GetString(legalKey) : QString();
+    ui->lblDisclaimer->setText(legal.isEmpty() || legal == legalKey ? AppLegalText() : legal);
 }
 
 frmAbout::~frmAbout() = default;

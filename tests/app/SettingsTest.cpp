@@ -170,8 +170,13 @@ TEST_F(Settings, ANewLanguageTranslatesEveryOpenWindowAndTheSameOneNothing) {
     play->setObjectName(u"cmdPlay"_s);
     Probe probe; // a widget that draws its own texts
     probe.show();
+    set(u"preferences"_s, u"Skins"_s, u"Skin_Default;Skin_Dark_Blue"_s);
     frmSettings window;
     window.show();
+    auto* skins = control<QComboBox>(&window, u"cboSkins"_s);
+    auto* previews = control<QComboBox>(&window, u"cboPreviewType"_s);
+    EXPECT_EQ(skins->currentText(), u"Default"_s) << "the skin's name, not its section";
+    EXPECT_EQ(skins->itemText(1), u"Dark Blue"_s);
     const auto totalTime = [&] { return control<QLabel>(main, u"lblTotalTimeDesc"_s)->text(); };
     ASSERT_EQ(totalTime(), u"Total time:"_s);
 
@@ -191,6 +196,9 @@ TEST_F(Settings, ANewLanguageTranslatesEveryOpenWindowAndTheSameOneNothing) {
     EXPECT_EQ(play->toolTip(), gLocalizer()->GetFormText(u"frmPreview_cmdPlay__text"_s));
     EXPECT_FALSE(play->toolTip().isEmpty());
     EXPECT_EQ(control<QAbstractButton>(&window, u"tabCaption"_s, 0)->text(), u"Allgemein"_s);
+    EXPECT_EQ(skins->currentText(), u"Standard"_s);
+    EXPECT_EQ(previews->currentText(), u"Standard"_s);
+    EXPECT_EQ(skins->currentData().toString(), u"Skin_Default"_s);
     EXPECT_EQ(window.oldLanguage(), u"de-de"_s);
 }
 

@@ -3,6 +3,7 @@
 #include "config/clsXMLocalizer.h"
 #include "config/modConfig.h"
 #include "controls/GrButtonIII.h"
+#include "controls/QtDialogResponder.h"
 #include "controls/ctlMainMenu.h"
 #include "controls/ctlVerticalTab.h"
 #include "controls/frmAbout.h"
@@ -11,9 +12,13 @@
 #include "support/ScriptedResponder.h"
 #include "support/TestHome.h"
 
+#include <QAbstractButton>
+#include <QApplication>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPointer>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 namespace {
@@ -62,7 +67,30 @@ TEST_F(Localized, AboutIsTranslatedAndKeepsItsOwnTexts) {
     // The labels the language leaves empty are filled by the window itself.
     EXPECT_EQ(about.lblTitle()->text(), QStringLiteral("Tessaly"));
     EXPECT_EQ(about.lblVersion()->text(), AppVersionText());
-    EXPECT_FALSE(about.lblDisclaimer()->text().isEmpty());
+    EXPECT_EQ(about.lblDisclaimer()->text(),
+              localizer->GetString(QStringLiteral("STR_ABOUT_LEGAL")));
+    EXPECT_NE(about.lblDisclaimer()->text(), AppLegalText());
+}
+
+TEST_F(Localized, BoxButtonsSpeakTheProgramsLanguage) {
+    const QtDialogResponder dialogs;
+    QStringList captions;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        poll.stop();
+        for (QAbstractButton* button : box->buttons())
+            captions << button->text();
+        for (QAbstractButton* button : box->buttons())
+            if (button->text() == QStringLiteral("&Nein"))
+                button->click();
+    });
+    poll.start(10);
+    EXPECT_EQ(MsgBox(QStringLiteral("Löschen?"), Vb::YesNo | Vb::Question), Vb::No);
+    captions.sort();
+    EXPECT_EQ(captions, (QStringList{QStringLiteral("&Ja"), QStringLiteral("&Nein")}));
 }
 
 TEST_F(Localized, SysInfoBoxInGerman) {
