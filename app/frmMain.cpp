@@ -94,8 +94,14 @@ void checkUsable(clsMessage& message) {
 }
 
 // The text of each tool page, by page index.
-const char* const kToolTitles[] = {"STR_BACKGROUND_TITLE", "STR_TEXT_TITLE", "STR_AUDIO_TITLE",
-                                   "STR_SYMBOLS_TITLE", "STR_AUDIO_REC_TITLE"};
+// The line over each tool page. The three browser pages name themselves in their own caption,
+// so their line says how to use them instead.
+const char* const kToolTitles[] = {"STR_BACKGROUND_HINT", "STR_TEXT_TITLE", "STR_AUDIO_HINT",
+                                   "STR_SYMBOLS_HINT", "STR_AUDIO_REC_TITLE"};
+
+QString toolTitle(int index) {
+    return localText(QString::fromLatin1(kToolTitles[index]));
+}
 
 } // namespace
 
@@ -469,7 +475,7 @@ void frmMain::ctlVerticalTab1_TabClick(int index) {
         if (page->property("index").toInt() != index)
             continue;
         page->raise();
-        ui->lblToolTitle->setText(text(QString::fromLatin1(kToolTitles[index])));
+        ui->lblToolTitle->setText(toolTitle(index));
         if (gProperties())
             gProperties()->SetProp(kPreferences, QStringLiteral("SelectedTool"),
                                    QString::number(index));
@@ -625,7 +631,7 @@ void frmMain::TranslateForm() {
     ui->ctlTextProperties1->setCaption(text(QStringLiteral("STR_TEXT_TITLE")));
     const int tool = ui->ctlVerticalTab1->SelectedIndex();
     if (tool >= 0 && tool < int(std::size(kToolTitles)))
-        ui->lblToolTitle->setText(text(QString::fromLatin1(kToolTitles[tool])));
+        ui->lblToolTitle->setText(toolTitle(tool));
 
     const QString tip = text(QStringLiteral("STR_CLICK_TO_ADD"));
     ui->txtMessage->setToolTip(tip);

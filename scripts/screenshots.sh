@@ -25,7 +25,7 @@ shoot() {
   env -u TESSALY_HOME -u XDG_DATA_HOME "$@" dbus-run-session -- xvfb-run -a -s "-screen 0 1024x768x24" bash -c "
     '$program' & pid=\$!
     sleep $seconds
-    import -window root -crop 644x488+0+0 '$out/$picture'
+    import -window root -crop 886x488+0+0 '$out/$picture'
     kill \$pid" 2>/dev/null
 }
 
