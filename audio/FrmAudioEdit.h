@@ -31,7 +31,7 @@ public:
     // it): both sliders span the length the service gives, A at 0 and B at the end. A sound that
     // does not answer its length, or has none, is said in a box and shows nothing.
     void SetAudioSource(const QString& path, std::int32_t length, const QString& alias);
-    void TranslateForm();
+    Q_INVOKABLE void TranslateForm();
 
     std::int32_t markStart() const { return mMarkStart; }
     std::int32_t markEnd() const { return mMarkEnd; }
