@@ -388,7 +388,7 @@ void frmSettings::ShowPhoneFolder() {
 
 // The chooser opens at the folder named so far, or at the home folder.
 void frmSettings::cmdPhoneFolder_Click() {
-    const QString current = ui->txtPhoneFolder->text().trimmed();
+    const QString current = resolveAppPath(ui->txtPhoneFolder->text().trimmed(), false);
     QString folder = !current.isEmpty() && QFileInfo(current).isDir() ? current : QDir::homePath();
     if (!GetFolderName(this, folder, localText(QStringLiteral("STR_PHONE_FOLDER_TITLE")), folder))
         return;
