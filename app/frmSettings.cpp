@@ -16,6 +16,7 @@
 #include <QButtonGroup>
 #include <QDir>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QPixmap>
 #include <QShortcut>
@@ -25,6 +26,9 @@ namespace {
 const QString kPreferences = QStringLiteral("preferences");
 const QString kPreviewPrefix = QStringLiteral("Preview_");
 const QString kSkinPrefix = QStringLiteral("Skin_");
+const QString kPhoneFolder = QStringLiteral("PhoneFolder");
+// The communication option that copies to a phone mounted as a folder.
+constexpr int kFolderOption = 3;
 
 QString pref(const QString& key, const QString& defaultValue) {
     return preference(kPreferences, key, defaultValue);
@@ -201,12 +205,16 @@ void frmSettings::connectControls() {
             step(1));
     connect(new QShortcut(QKeySequence(QKeySequence::PreviousChild), this), &QShortcut::activated,
             this, step(-1));
-    for (QCheckBox* box : {ui->chkAskNewSlide, ui->chkAskDeleteSlide, ui->chkShowSplash,
-                           ui->chkPreviewPlayer, ui->chkBlinkPhoneConnect, ui->chkExtendedBrowser})
+    for (QCheckBox* box :
+         {ui->chkAskNewSlide, ui->chkAskDeleteSlide, ui->chkShowSplash, ui->chkPreviewPlayer,
+          ui->chkBlinkPhoneConnect, ui->chkExtendedBrowser, ui->chkMakePdu})
         connect(box, &QCheckBox::clicked, this, &frmSettings::OptionClick);
     connect(mTimeFormat, &QButtonGroup::idClicked, this, &frmSettings::OptionClick);
     connect(mDockState, &QButtonGroup::idClicked, this, &frmSettings::OptionClick);
     connect(mCommunication, &QButtonGroup::idClicked, this, &frmSettings::chkCommunication_Click);
+    connect(mCommunication, &QButtonGroup::idToggled, this, &frmSettings::ShowPhoneFolder);
+    connect(ui->txtPhoneFolder, &QLineEdit::textEdited, this, &frmSettings::OptionClick);
+    connect(ui->cmdPhoneFolder, &QPushButton::clicked, this, &frmSettings::cmdPhoneFolder_Click);
     for (QComboBox* combo : {ui->cboImageFormat, ui->ComboLanguage, ui->cboMaxMessageSize})
         connect(combo, &QComboBox::activated, this, &frmSettings::OptionClick);
     connect(ui->cboSkins, &QComboBox::currentIndexChanged, this, &frmSettings::cboSkins_Click);
@@ -239,6 +247,8 @@ void frmSettings::TranslateForm() {
     if (gLocalizer())
         ::TranslateForm(this);
     ui->lblCaption->setText(windowTitle());
+    ui->txtPhoneFolder->setPlaceholderText(localText(QStringLiteral("STR_PHONE_FOLDER_HINT")));
+    ui->txtPhoneFolder->setToolTip(localText(QStringLiteral("STR_PHONE_FOLDER_TIP")));
     LoadMessageSizes(QString());
     recaption(ui->cboSkins, kSkinPrefix);
     recaption(ui->cboPreviewType, kPreviewPrefix);
@@ -252,7 +262,8 @@ void frmSettings::LoadValues() {
                                  {ui->chkShowSplash, "ShowSplash", "1"},
                                  {ui->chkPreviewPlayer, "ShowPreview", "1"},
                                  {ui->chkBlinkPhoneConnect, "BlinkLed", "1"},
-                                 {ui->chkExtendedBrowser, "ExtendedBrowser", "0"}};
+                                 {ui->chkExtendedBrowser, "ExtendedBrowser", "0"},
+                                 {ui->chkMakePdu, "MakePdu", "0"}};
     for (const FlagControl& control : flags)
         control.box->setChecked(
             pref(QString::fromLatin1(control.key), QString::fromLatin1(control.defaultValue)) ==
@@ -362,9 +373,27 @@ void frmSettings::LoadCommunication() {
         if (notes[i])
             notes[i]->setVisible(shown);
     }
+    ui->picPhoneFolder->setVisible(supported.contains(QString::number(kFolderOption)));
+    ui->txtPhoneFolder->setText(pref(kPhoneFolder, QString()));
     mCommunicationType = pref(QStringLiteral("CommunicationType"), QStringLiteral("0")).toInt();
     if (QAbstractButton* option = mCommunication->button(mCommunicationType))
         option->setChecked(true);
+    ShowPhoneFolder();
+}
+
+// The phone's folder can be named while the folder option is chosen.
+void frmSettings::ShowPhoneFolder() {
+    ui->picPhoneFolder->setEnabled(mCommunication->checkedId() == kFolderOption);
+}
+
+// The chooser opens at the folder named so far, or at the home folder.
+void frmSettings::cmdPhoneFolder_Click() {
+    const QString current = resolveAppPath(ui->txtPhoneFolder->text().trimmed(), false);
+    QString folder = !current.isEmpty() && QFileInfo(current).isDir() ? current : QDir::homePath();
+    if (!GetFolderName(this, folder, localText(QStringLiteral("STR_PHONE_FOLDER_TITLE")), folder))
+        return;
+    ui->txtPhoneFolder->setText(QDir::cleanPath(folder));
+    OptionClick();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -471,6 +500,7 @@ void frmSettings::Save() {
     setPref(kPreferences, QStringLiteral("BackgroundColor"), QString::number(backColor()));
     setPref(kPreferences, QStringLiteral("ExtendedBrowser"),
             flag(ui->chkExtendedBrowser->isChecked()));
+    setPref(kPreferences, QStringLiteral("MakePdu"), flag(ui->chkMakePdu->isChecked()));
     if (ui->cboImageFormat->currentIndex() >= 0)
         setPref(kPreferences, QStringLiteral("ImageFormat"), chosenValue(ui->cboImageFormat));
     if (ui->cboMaxMessageSize->currentIndex() >= 0)
@@ -483,6 +513,9 @@ void frmSettings::Save() {
     if (mCommunication->checkedId() >= 0)
         setPref(kPreferences, QStringLiteral("CommunicationType"),
                 QString::number(mCommunication->checkedId()));
+    // An installation without the folder option keeps the folder it has.
+    if (!ui->picPhoneFolder->isHidden())
+        setPref(kPreferences, kPhoneFolder, ui->txtPhoneFolder->text().trimmed());
     SaveSkin();
     SaveLanguage();
     mChanged = false;

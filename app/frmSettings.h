@@ -82,6 +82,8 @@ private:
     void cboPreviewType_Click();
     void bTextColor_Click();
     void chkCommunication_Click(int index);
+    void ShowPhoneFolder();
+    void cmdPhoneFolder_Click();
     void OptionClick();
     void placeTabBottom();
     void styleWindow();

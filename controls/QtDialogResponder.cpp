@@ -139,6 +139,18 @@ bool QtDialogResponder::getOpenFileName(QWidget* parent, QString& fileName, cons
     return true;
 }
 
+bool QtDialogResponder::getFolderName(QWidget* parent, QString& folder, const QString& title,
+                                      const QString& initialDir) {
+    QFileDialog dialog(parent, title, initialDir);
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly, true);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return false;
+    folder = dialog.selectedFiles().constFirst();
+    return true;
+}
+
 QString QtDialogResponder::popupChoice(QMenu* menu, const QPoint& globalPos) {
     QAction* chosen = menu->exec(globalPos);
     return chosen ? chosen->data().toString() : QString();

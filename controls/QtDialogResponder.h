@@ -17,6 +17,8 @@ public:
     bool getOpenFileName(QWidget* parent, QString& fileName, const QString& title,
                          const QString& filter, const QString& defaultExt,
                          const QString& initialDir) override;
+    bool getFolderName(QWidget* parent, QString& folder, const QString& title,
+                       const QString& initialDir) override;
     QString popupChoice(QMenu* menu, const QPoint& globalPos) override;
 
 private:

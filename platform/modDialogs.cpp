@@ -104,6 +104,11 @@ bool GetOpenFileName(QWidget* parent, QString& fileName, const QString& title,
                                               initialDir);
 }
 
+bool GetFolderName(QWidget* parent, QString& folder, const QString& title,
+                   const QString& initialDir) {
+    return dialogResponder()->getFolderName(parent, folder, title, initialDir);
+}
+
 QString PopupChoice(QMenu* menu, const QPoint& globalPos) {
     return dialogResponder()->popupChoice(menu, globalPos);
 }

@@ -57,6 +57,12 @@ public:
     virtual bool getOpenFileName(QWidget* parent, QString& fileName, const QString& title,
                                  const QString& filter, const QString& defaultExt,
                                  const QString& initialDir) = 0;
+    // Returns false when the user cancels; `folder` receives the chosen folder. A responder
+    // without a folder dialog cancels.
+    virtual bool getFolderName(QWidget* /*parent*/, QString& /*folder*/, const QString& /*title*/,
+                               const QString& /*initialDir*/) {
+        return false;
+    }
     // Shows `menu` at `globalPos` and returns the key (action data) of the chosen item, or "".
     virtual QString popupChoice(QMenu* menu, const QPoint& globalPos) = 0;
 };
@@ -72,4 +78,6 @@ bool ChooseColor(QWidget* parent, std::int32_t& colour, int flags = 0);
 bool GetOpenFileName(QWidget* parent, QString& fileName, const QString& title,
                      const QString& filter, const QString& defaultExt = {},
                      const QString& initialDir = {});
+bool GetFolderName(QWidget* parent, QString& folder, const QString& title,
+                   const QString& initialDir = {});
 QString PopupChoice(QMenu* menu, const QPoint& globalPos);

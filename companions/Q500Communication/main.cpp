@@ -51,10 +51,17 @@ private:
                 if (QString::fromUtf8(section.attribute("name").value()) == kSection)
                     for (const pugi::xml_node& key : section.children("KEY"))
                         if (QString::fromUtf8(key.attribute("name").value()) == kKey)
-                            return QString::fromUtf8(key.text().get())
-                                .replace(QLatin1Char('\\'), QLatin1Char('/'));
+                            return resolved(QString::fromUtf8(key.text().get()));
         }
         return QString();
+    }
+
+    // Either separator is accepted; a value that begins with "\" lies below the application
+    // folder, which holds the preferences file.
+    QString resolved(QString value) const {
+        if (value.startsWith(QLatin1Char('\\')))
+            value.prepend(QFileInfo(mPreferences).absolutePath());
+        return value.replace(QLatin1Char('\\'), QLatin1Char('/'));
     }
 
     // The folder, while it exists.

@@ -148,6 +148,7 @@ TEST_F(Settings, UnsupportedCommunicationOptionsAreNotOnViewAndAChangeWaitsForAR
     EXPECT_TRUE(shown("lblCommunication", 1));
     EXPECT_FALSE(shown("chkCommunication", 2) || shown("lblCommunication", 2));
     EXPECT_FALSE(shown("chkCommunication", 3) || shown("lblCommunication", 3));
+    EXPECT_FALSE(shown("txtPhoneFolder", -1) || shown("cmdPhoneFolder", -1));
     EXPECT_TRUE(boxes.boxes.empty()) << "loading asks nothing";
 
     control<QAbstractButton>(&window, u"chkCommunication"_s, 1)->click(); // the same again
@@ -206,6 +207,7 @@ TEST_F(Settings, ANewLanguageTranslatesEveryOpenWindowAndTheSameOneNothing) {
 // reader is on view, it is seen to follow.
 TEST_F(Settings, EveryPreferenceWrittenIsReadBackByItsReader) {
     set(u"preferences"_s, u"AllowSeconds"_s, u"1"_s);
+    set(u"preferences"_s, u"CommunicationTypesSupported"_s, u"0;1;2;3"_s);
     set(u"preferences"_s, u"Skins"_s, u"Skin_Default;Skin_Narrow"_s);
     set(u"preferences"_s, u"Previews"_s, u"Preview_Default;Preview_Small"_s);
     set(u"Skin_Narrow"_s, u"BackPicture"_s, u"\\skin\\default\\preview.bmp"_s);
@@ -231,22 +233,28 @@ TEST_F(Settings, EveryPreferenceWrittenIsReadBackByItsReader) {
         {click("chkBlinkPhoneConnect"), prefs, u"BlinkLed"_s, u"1"_s, u"0"_s},
         {click("bTextColor"), prefs, u"BackgroundColor"_s, u"16777215"_s, u"255"_s},
         {click("chkExtendedBrowser"), prefs, u"ExtendedBrowser"_s, u"0"_s, u"1"_s},
+        {click("chkMakePdu"), prefs, u"MakePdu"_s, u"0"_s, u"1"_s},
         {pick("cboImageFormat", u"gif"_s), prefs, u"ImageFormat"_s, u"jpg"_s, u"gif"_s},
         {pick("cboMaxMessageSize", u"102400"_s), prefs, u"MaxMessageSize"_s, u"307200"_s,
          u"102400"_s},
         {click("chkTimeFormat", 1), prefs, u"MMSTimeFormat"_s, u"ms"_s, u"s"_s},
         {click("ctlDockState", 2), prefs, u"PreviewMode"_s, u"0"_s, u"2"_s},
-        {click("chkCommunication", 2), prefs, u"CommunicationType"_s, u"1"_s, u"2"_s},
+        {click("chkCommunication", 3), prefs, u"CommunicationType"_s, u"1"_s, u"3"_s},
+        {click("cmdPhoneFolder"), prefs, u"PhoneFolder"_s, QString(), home.path() + u"/phone"_s},
         {pick("cboSkins", u"Skin_Narrow"_s), prefs, u"Skin"_s, QString(), u"Skin_Narrow"_s},
         {pick("cboPreviewType", u"Small"_s), u"Skin_Narrow"_s, u"Preview"_s, u"Preview_Default"_s,
          u"Preview_Small"_s},
         {pick("ComboLanguage", u"de-de"_s), prefs, u"Language"_s, u"en-us"_s, u"de-de"_s}};
     boxes.colours = {0x0000FF}; // red
+    boxes.folders = {home.path() + u"/phone/"_s};
     QTimer::singleShot(0, main, [&] {
         frmSettings* window = main->settingsWindow();
         ASSERT_TRUE(window && window->isVisible());
+        auto* folder = control<QWidget>(window, u"txtPhoneFolder"_s);
+        EXPECT_FALSE(folder->isEnabled()) << "only the folder option names a folder";
         for (const Row& row : rows)
             row.choice(window);
+        EXPECT_TRUE(folder->isEnabled());
         EXPECT_EQ(control<QWidget>(window, u"picTextColor"_s)->toolTip(), u"RGB(255,0,0)"_s);
         control<QAbstractButton>(window, u"cmdOk"_s)->click();
     });

@@ -24,7 +24,7 @@ TEST_F(PhoneBusTest, FolderCompanionCopiesIntoTheFolderWhileItExists) {
     SharedConfig config;
     auto properties = std::make_unique<clsPropertiesXML>();
     properties->Initialize(dir.filePath(u"tessaly.xml"_s), u"tessaly"_s);
-    properties->SetProp(u"preferences"_s, u"PhoneFolder"_s, phone);
+    properties->SetProp(u"preferences"_s, u"PhoneFolder"_s, u"\\My Phone"_s); // beside the file
     properties->SaveXmlFile();
     config.setProperties(std::move(properties));
     const QString file = dir.filePath(u"mms.sis"_s);

@@ -46,6 +46,14 @@ bool ScriptedResponder::getOpenFileName(QWidget*, QString& fileName, const QStri
     return !answer.isEmpty();
 }
 
+bool ScriptedResponder::getFolderName(QWidget*, QString& folder, const QString&, const QString&) {
+    ++folderRequests;
+    const QString answer = takeFront(folders).value_or(QString());
+    if (!answer.isEmpty())
+        folder = answer;
+    return !answer.isEmpty();
+}
+
 QString ScriptedResponder::popupChoice(QMenu* menu, const QPoint&) {
     if (!gMenuReader) {
         ADD_FAILURE() << "a pop-up menu was shown in a test program without the widgets support";

@@ -33,18 +33,22 @@ public:
     std::deque<int> boxAnswers;
     std::deque<std::optional<std::int32_t>> colours; // nullopt: cancel
     std::deque<QString> openFiles;                   // "": cancel
+    std::deque<QString> folders;                     // "": cancel
     std::deque<QString> popupKeys; // a key that is absent or disabled chooses nothing
 
     std::vector<Box> boxes;
     std::vector<Popup> popups;
     int colourRequests = 0;
     int openFileRequests = 0;
+    int folderRequests = 0;
 
     int msgBox(const QString& text, int style, const QString& title) override;
     bool chooseColor(QWidget* parent, std::int32_t& colour, int flags) override;
     bool getOpenFileName(QWidget* parent, QString& fileName, const QString& title,
                          const QString& filter, const QString& defaultExt,
                          const QString& initialDir) override;
+    bool getFolderName(QWidget* parent, QString& folder, const QString& title,
+                       const QString& initialDir) override;
     QString popupChoice(QMenu* menu, const QPoint& globalPos) override;
 
 private:
