@@ -236,28 +236,31 @@ void MciDevice::applyGains() {
 
 // ---- Commands
 
+// Takes a "from N" or "to N" clause into `span`; `taken` tells whether the next word was one.
+// Each may stand once.
+long MciDevice::takeSpanWord(MciWords& words, Span& span, bool& taken) {
+    const bool isFrom = words.accept("from");
+    taken = isFrom || words.accept("to");
+    if (!taken)
+        return Mci::NoError;
+    bool& seen = isFrom ? span.hasFrom : span.hasTo;
+    if (seen)
+        return Mci::DuplicateFlags;
+    seen = true;
+    return takeTime(words, isFrom ? span.from : span.to);
+}
+
 long MciDevice::play(MciWords& words) {
     settle();
-    bool hasFrom = false;
-    bool hasTo = false;
-    std::int64_t from = 0;
-    std::int64_t to = 0;
+    Span span;
     while (!words.atEnd()) {
-        if (words.accept("from")) {
-            if (hasFrom)
-                return Mci::DuplicateFlags;
-            hasFrom = true;
-            if (const long error = takeTime(words, from))
-                return error;
-        } else if (words.accept("to")) {
-            if (hasTo)
-                return Mci::DuplicateFlags;
-            hasTo = true;
-            if (const long error = takeTime(words, to))
-                return error;
-        } else if (words.accept("fullscreen") || words.accept("window") ||
-                   words.accept("reverse") || words.accept("scan") || words.accept("slow") ||
-                   words.accept("fast")) {
+        bool taken = false;
+        if (const long error = takeSpanWord(words, span, taken))
+            return error;
+        if (taken)
+            continue;
+        if (words.accept("fullscreen") || words.accept("window") || words.accept("reverse") ||
+            words.accept("scan") || words.accept("slow") || words.accept("fast")) {
             return Mci::UnsupportedFunction;
         } else if (!words.accept("notify") && !words.accept("wait")) {
             // "wait" is taken but never waits: nothing may hold the user interface.
@@ -269,25 +272,25 @@ long MciDevice::play(MciWords& words) {
     if (const long error = ensureSamples())
         return error;
     const std::int64_t total = length();
-    if (!hasFrom)
-        from = position() >= total ? 0 : position(); // a finished sound plays again
-    if (!hasTo)
-        to = total;
-    if (from > total || to > total || to < from)
+    if (!span.hasFrom)
+        span.from = position() >= total ? 0 : position(); // a finished sound plays again
+    if (!span.hasTo)
+        span.to = total;
+    if (span.from > total || span.to > total || span.to < span.from)
         return Mci::OutOfRange;
     stopOutput();
     // Everything is ready before the device starts: a device that waits paused hands out
     // silence, which would come before the sound.
     if (isMidi()) {
-        if (const long error = cueSequence(from))
+        if (const long error = cueSequence(span.from))
             return error;
     }
     if (const long error = ensureOutput())
         return error;
-    mPlayEnd = to;
-    mOutput->start(from, to);
-    mPosition = from;
-    mMode = from < to ? Mode::Playing : Mode::Stopped;
+    mPlayEnd = span.to;
+    mOutput->start(span.from, span.to);
+    mPosition = span.from;
+    mMode = span.from < span.to ? Mode::Playing : Mode::Stopped;
     return Mci::NoError;
 }
 
@@ -295,21 +298,15 @@ long MciDevice::record(MciWords& words) {
     if (mType != Type::WaveAudio || isMidi())
         return Mci::UnsupportedFunction;
     settle();
-    bool hasFrom = false;
-    bool hasTo = false;
-    std::int64_t from = 0;
-    std::int64_t to = 0;
+    Span span;
     while (!words.atEnd()) {
-        if (words.accept("from")) {
-            hasFrom = true;
-            if (const long error = takeTime(words, from))
-                return error;
-        } else if (words.accept("to")) {
-            hasTo = true;
-            if (const long error = takeTime(words, to))
-                return error;
-        } else if (!words.accept("notify") && !words.accept("wait") && !words.accept("insert") &&
-                   !words.accept("overwrite")) {
+        bool taken = false;
+        if (const long error = takeSpanWord(words, span, taken))
+            return error;
+        if (taken)
+            continue;
+        if (!words.accept("notify") && !words.accept("wait") && !words.accept("insert") &&
+            !words.accept("overwrite")) {
             return Mci::UnrecognizedKeyword;
         }
     }
@@ -318,12 +315,12 @@ long MciDevice::record(MciWords& words) {
     stopOutput();
     if (const long error = ensureSamples())
         return error;
-    if (!hasFrom)
-        from = std::min(mPosition, mLength);
-    if (from > mLength)
+    if (!span.hasFrom)
+        span.from = std::min(mPosition, mLength);
+    if (span.from > mLength)
         return Mci::OutOfRange;
     const std::int64_t capacity =
-        hasTo ? to - from : kLongestOpenRecordSeconds * std::int64_t(frameRate());
+        span.hasTo ? span.to - span.from : kLongestOpenRecordSeconds * std::int64_t(frameRate());
     if (capacity <= 0)
         return Mci::OutOfRange;
     if (capacity * mFormat.channels * std::int64_t(sizeof(std::int16_t)) > kLargestRecordBytes)
@@ -331,7 +328,7 @@ long MciDevice::record(MciWords& words) {
     if (const long error =
             InputStream::open(mFormat.samplesPerSec, mFormat.channels, capacity, mInput))
         return error;
-    mRecordStart = from;
+    mRecordStart = span.from;
     mInput->start();
     mMode = Mode::Recording;
     return Mci::NoError;

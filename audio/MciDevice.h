@@ -70,6 +70,14 @@ private:
     std::int64_t toFrames(long long value) const;
     long long fromFrames(std::int64_t frames) const;
     long takeTime(MciWords& words, std::int64_t& frames);
+    // The "from" and "to" of play and record, in frames.
+    struct Span {
+        bool hasFrom = false;
+        bool hasTo = false;
+        std::int64_t from = 0;
+        std::int64_t to = 0;
+    };
+    long takeSpanWord(MciWords& words, Span& span, bool& taken);
     long statusItem(MciWords& words, QString& answer);
     void applyGains();
 
