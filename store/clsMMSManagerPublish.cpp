@@ -395,8 +395,14 @@ bool clsMMSManager::packTemplate(const QString& outputFolder, const QString& nam
                           quoted(outputFolder + name + QStringLiteral(".tpl"));
         for (const QString& entry : packedFiles(fileList))
             command += QLatin1Char(' ') + quoted(outputFolder + entry);
-        QByteArray output(512, ' ');
-        return Tar(0, command.toLocal8Bit(), output.data(), std::uint32_t(output.size())) == 0;
+        QByteArray output(512, '\0');
+        if (Tar(0, command.toLocal8Bit(), output.data(), std::uint32_t(output.size())) == 0)
+            return true;
+        // Tar says why in its output; a template that was not made is a packing failure.
+        setFailure(4, QStringLiteral("STR_ERROR_TAR_PACK"),
+                   Failure(FailureNumber::PathFileAccess, QStringLiteral("Tar"),
+                           QString::fromLocal8Bit(output.constData()).trimmed()));
+        return false;
     } catch (const Failure& failure) {
         setFailure(4, QStringLiteral("STR_ERROR_TAR_PACK"), failure);
         return false;

@@ -30,6 +30,7 @@ void savePicture(const QString& path, QColor colour) {
 class BrowserTest : public ::testing::Test {
 protected:
     void SetUp() override {
+        mDataHome = qgetenv("XDG_DATA_HOME");
         qputenv("XDG_DATA_HOME", QFile::encodeName(data.path()));
         savePicture(file(QStringLiteral("b.bmp")), Qt::green);
         savePicture(file(QStringLiteral("a.bmp")), Qt::red);
@@ -42,7 +43,9 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&browser));
         browser.LoadFiles();
     }
-    void TearDown() override { qunsetenv("XDG_DATA_HOME"); }
+    // The test home's data folder comes back, so later tests never reach the user's trash.
+    void TearDown() override { qputenv("XDG_DATA_HOME", mDataHome); }
+    QByteArray mDataHome;
 
     QString file(const QString& name) const { return QDir(folder.path()).filePath(name); }
     void mouse(QEvent::Type type, int y, Qt::MouseButton button = Qt::LeftButton) {

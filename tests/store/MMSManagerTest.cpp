@@ -66,11 +66,12 @@ TEST(MMSManagerTest, InitializeKeepsTheStoreFolderAndMakesIt) {
 
 TEST(MMSManagerTest, EmptyStoreListsMinusOneAndLeavesTheArray) {
     Store store;
-    ScriptedResponder responder;
+    RecordingSink sink;
+    store.manager.setStatusSink(&sink);
     QStringList names{QStringLiteral("keep")};
     EXPECT_EQ(store.manager.ListMessages(names), -1);
     EXPECT_EQ(names, QStringList{QStringLiteral("keep")});
-    EXPECT_TRUE(responder.boxes.empty());
+    EXPECT_TRUE(sink.asked.empty());
 }
 
 TEST(MMSManagerTest, ListGivesNameTabDateForEachFolder) {
@@ -312,9 +313,10 @@ TEST(MMSManagerTest, WithoutATrashDeleteAsksBeforeDeletingForGood) {
 
 TEST(MMSManagerTest, DeleteOfAnUntitledMessageWithoutFolderIsSilent) {
     Store store;
-    ScriptedResponder responder;
+    RecordingSink sink;
+    store.manager.setStatusSink(&sink);
     EXPECT_FALSE(store.manager.DeleteMsg(gUntitledName, false));
-    EXPECT_TRUE(responder.boxes.empty());
+    EXPECT_TRUE(sink.asked.empty());
 }
 
 TEST(MMSManagerTest, DeleteFailureGoesToTheSinkAsTheErrorBox) {
