@@ -83,7 +83,11 @@ void frmMain::SendMessageToPhone() {
                 &frmMain::MMSManager_ProsessingSlide);
     }
     mFrmDownloadMMS->show();
+    // Events run from here on; the program may end meanwhile and take this window with it.
+    const QPointer<frmMain> self(this);
     QCoreApplication::processEvents();
+    if (!self || !mFrmDownloadMMS)
+        return;
 
     const std::int32_t timeFormat = preference(kPreferences, QStringLiteral("MMSTimeFormat"),
                                                QStringLiteral("ms")) == QLatin1String("s")
@@ -93,6 +97,8 @@ void frmMain::SendMessageToPhone() {
     // The window stays until the user has read it.
     const QPointer<frmDownloadMMS> window = mFrmDownloadMMS;
     waitUntil([&window] { return !window || !window->isVisible(); });
+    if (!self)
+        return;
 
     mChanged = changed;
     ui->cmdDownload->setEnabled(true);
@@ -113,7 +119,10 @@ void frmMain::MMSManager_ProsessingSlide(std::int16_t slideIndex, std::int16_t s
 }
 
 void frmMain::ShowDownloadPicture() {
-    frmDownloadImage window(mMMSManager.get(), mMMSCommunication.get(), this);
-    window.setPicture(ui->picPreview->pixmap().toImage());
-    window.exec();
+    // On the heap: should the program end while it is open, the main window takes it along.
+    const QPointer<frmDownloadImage> window =
+        new frmDownloadImage(mMMSManager.get(), mMMSCommunication.get(), this);
+    window->setPicture(ui->picPreview->pixmap().toImage());
+    window->exec();
+    delete window.data();
 }

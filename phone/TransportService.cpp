@@ -114,7 +114,13 @@ void TransportService::Monitor(bool on) {
 }
 
 bool TransportService::SendFile(const QString& path) {
-    return mBackend->beginSend(path);
+    if (mBackend->beginSend(path))
+        return true;
+    // The program keeps its send open until a progress report ends it: a refused send reports
+    // its failure too, once the call has returned.
+    QMetaObject::invokeMethod(
+        this, [this] { emit Progress(Transport::kProgressFailed, 0); }, Qt::QueuedConnection);
+    return false;
 }
 
 void TransportService::SetCommandLine(const QString& commandTemplate) {

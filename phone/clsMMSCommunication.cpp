@@ -7,6 +7,7 @@
 #include "platform/Failure.h"
 
 #include <QCoreApplication>
+#include <QPointer>
 #include <QTimer>
 
 clsMMSCommunication::clsMMSCommunication(QObject* parent) : QObject(parent) {}
@@ -143,7 +144,11 @@ std::int32_t clsMMSCommunication::SendFile(const QString& path) {
         return Failed;
     QTimer wake; // the flag is tested at least this often
     wake.start(20);
-    while (mSending)
+    // The program may end while events run here: then the facade is gone and so is the send.
+    const QPointer<clsMMSCommunication> self(this);
+    while (self && mSending)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    if (!self)
+        return Failed;
     return mSendOk ? Sent : Failed;
 }

@@ -14,6 +14,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QRadioButton>
 
 namespace {
@@ -101,8 +102,11 @@ void frmDownloadImage::SendPicture(const QString& file) {
     mSending = true;
     ui->cmdCancel->setEnabled(false);
     ui->cmdDownload->setEnabled(false);
+    const QPointer<frmDownloadImage> self(this); // the program may end during the send
     const std::int32_t result =
         mCommunication ? mCommunication->SendFile(file) : clsMMSCommunication::NoDevice;
+    if (!self)
+        return;
     ui->lblDownloadStatus->setText(localText(QStringLiteral("STR_NO_MSG_DOWNLOAD")));
     const QString key = sendResultKey(result);
     if (!key.isEmpty())

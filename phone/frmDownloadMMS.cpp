@@ -16,6 +16,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
 
 frmDownloadMMS::frmDownloadMMS(clsMMSManager* manager, clsMMSCommunication* communication,
                                QWidget* owner)
@@ -94,8 +95,11 @@ void frmDownloadMMS::SendPackage(const clsMessage& message) {
     const QString file = joinPath(message.Path(), installer ? QStringLiteral("mms/mms.sis")
                                                             : QStringLiteral("mms/mms.tpl"));
     // Without a facade there is no transport: as a facade of type 0 would answer.
+    const QPointer<frmDownloadMMS> self(this); // the program may end during the send
     const std::int32_t result =
         mCommunication ? mCommunication->SendFile(file) : clsMMSCommunication::NoDevice;
+    if (!self)
+        return;
     ui->lblProcessStatus->setText(localText(QStringLiteral("STR_NO_MSG_DOWNLOAD")));
     const QString key = sendResultKey(result);
     if (result == clsMMSCommunication::Sent) {

@@ -36,6 +36,9 @@ TEST_F(PhoneBusTest, FolderCompanionCopiesIntoTheFolderWhileItExists) {
     ASSERT_TRUE(waitForConnects(spy, 1));
     EXPECT_EQ(spy.at(0), (QVariantList{true, Transport::kLinkFolder, u"My Phone"_s}));
 
+    // A file the companion refuses fails, and the next send is not left waiting as busy.
+    EXPECT_EQ(facade.SendFile(dir.filePath(u"missing.sis"_s)), Status::Failed);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !facade.sending(); }, 5000));
     EXPECT_EQ(facade.SendFile(file), Status::Sent);
     EXPECT_EQ(readAll(QDir(phone).filePath(u"mms.sis"_s)), readAll(file));
     EXPECT_EQ(QDir(phone).entryList(QDir::Files), QStringList{u"mms.sis"_s});
